@@ -1,0 +1,7 @@
+#ifndef KVBASE_KVBASE_H
+#define KVBASE_KVBASE_H
+
+// Every public header of KvBase.
+#include "errorhandling/kvexception.h"
+
+#endif
