@@ -2,6 +2,7 @@
 #define KVBASE_KVBASE_H
 
 // Every public header of KvBase.
+#include "basetypes/enumhelpers.h"
 #include "errorhandling/kvexception.h"
 
 #endif
