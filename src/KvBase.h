@@ -3,6 +3,11 @@
 
 // Every public header of KvBase.
 #include "basetypes/enumhelpers.h"
+#include "errorhandling/errorhandler.h"
 #include "errorhandling/kvexception.h"
+#include "errorhandling/kvtextfile.h"
+#include "errorhandling/messagelist.h"
+#include "errorhandling/quality.h"
+#include "errorhandling/timedcall.h"
 
 #endif

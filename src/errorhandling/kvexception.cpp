@@ -17,14 +17,14 @@ KvException::KvException()
 
 KvException::KvException(QString reason, QString fileName, QString className, QString methodName,
                          unsigned int line, unsigned int errorId)
-    : m_ErrorTime(QTime::currentTime()), m_strErrorReason(std::move(reason)), m_strFileName(std::move(fileName)),
-      m_strClassName(std::move(className)), m_strMethodName(std::move(methodName)), m_nLineNumber(line),
-      m_nErrorId(errorId)
+    : m_ErrorTime(QTime::currentTime()), m_strErrorReason(std::move(reason)),
+      m_strFileName(std::move(fileName)), m_strClassName(std::move(className)),
+      m_strMethodName(std::move(methodName)), m_nLineNumber(line), m_nErrorId(errorId)
 {
 }
 
-KvException::KvException(std::string reason, const char* fileName, const char* className, const char* methodName,
-                         unsigned int line, unsigned int errorId)
+KvException::KvException(std::string reason, const char* fileName, const char* className,
+                         const char* methodName, unsigned int line, unsigned int errorId)
     : m_ErrorTime(QTime::currentTime()),
       m_strErrorReason(QString::fromUtf8(reason.data(), static_cast<int>(reason.size()))),
       m_strFileName(QLatin1String(fileName)), m_strClassName(QLatin1String(className)),

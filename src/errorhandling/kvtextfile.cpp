@@ -1,0 +1,89 @@
+#include "errorhandling/kvtextfile.h"
+
+#include "errorhandling/errorhandler.h"
+#include "errorhandling/kvexception.h"
+#include "errorhandling/quality.h"
+
+#include <QTextStream>
+
+#include <vector>
+
+KvTextFile::KvTextFile(const QString& path, bool mayBeMissing) : m_File(path)
+{
+    if (!mayBeMissing && !m_File.exists()) {
+        if (ErrorHandler::Instance().GetMessageMask() & ErrorHandler::TraceMask)
+            _Q_Trace(path, QStringLiteral("errorhandling\\kvtextfile"), 37);
+        throw KvException(QStringLiteral("File does not exist - see Details"),
+                          QStringLiteral("errorhandling\\kvtextfile"), QStringLiteral("KvTextFile"),
+                          QStringLiteral("ctor"), 39, 0xFFFFFFFF);
+    }
+    m_File.open(QIODevice::ReadWrite);
+}
+
+KvTextFile::~KvTextFile()
+{
+    // The stream must go before the device it reads.
+    m_pReadStream.reset();
+    if (m_File.isOpen())
+        m_File.close();
+}
+
+bool KvTextFile::Open(int mode)
+{
+    if (!m_File.exists())
+        return false;
+    return m_File.open(QIODevice::OpenMode(mode));
+}
+
+bool KvTextFile::isOpen() const
+{
+    return m_File.isOpen();
+}
+
+QString KvTextFile::ReadLine()
+{
+    if (!m_pReadStream)
+        m_pReadStream = std::make_unique<QTextStream>(&m_File);
+    if (m_pReadStream->atEnd())
+        return QString();
+    return m_pReadStream->readLine();
+}
+
+unsigned short KvTextFile::WriteLine(const std::string& text)
+{
+    QTextStream stream(&m_File);
+    // Latin-1 maps every byte to itself, so the bytes reach the file unchanged.
+    stream.setCodec("ISO-8859-1");
+    stream << QString::fromLatin1(text.data(), static_cast<int>(text.size())) << Qt::endl;
+    m_File.flush();
+    return static_cast<unsigned short>(text.size() + 2);
+}
+
+unsigned short KvTextFile::WriteLine(const QString& text)
+{
+    std::vector<wchar_t> wide(static_cast<size_t>(text.size()) + 1, L'\0');
+    text.toWCharArray(wide.data());
+    QTextStream stream(&m_File);
+    stream << static_cast<const void*>(wide.data()) << Qt::endl;
+    m_File.flush();
+    return static_cast<unsigned short>(text.size() + 2);
+}
+
+bool KvTextFile::atEnd() const
+{
+    if (m_pReadStream)
+        return m_pReadStream->atEnd();
+    return m_File.atEnd();
+}
+
+unsigned int KvTextFile::size() const
+{
+    return static_cast<unsigned int>(m_File.size());
+}
+
+LogFile::LogFile(const QString& path) : KvTextFile(path, true) {}
+
+bool LogFile::AddMessage(const std::string& line)
+{
+    return AppendLine(line) != 0;
+}
