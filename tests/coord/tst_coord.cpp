@@ -1,0 +1,483 @@
+#include "coord/coord.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+double dms(int degrees, int minutes, double seconds)
+{
+    return degrees + minutes / 60.0 + seconds / 3600.0;
+}
+
+constexpr double kMetresPerDegree = 111320.0;
+
+// Distance of two nearby positions in metres (flat-earth, good enough to judge
+// a notation's resolution).
+double metresBetween(const Coord& a, const Coord& b)
+{
+    const double dLat = a.GetLatitude() - b.GetLatitude();
+    const double dLon = (a.GetLongitude() - b.GetLongitude()) * std::cos(a.GetLatitude() * M_PI / 180.0);
+    return std::hypot(dLat, dLon) * kMetresPerDegree;
+}
+
+int inputPositions(const QString& mask)
+{
+    int count = 0;
+    for (const QChar c : mask)
+        count += QStringLiteral("#?ENXY").contains(c) ? 1 : 0;
+    return count;
+}
+
+QVector<Coord> worldGrid(double minLatitude, double maxLatitude)
+{
+    QVector<Coord> grid;
+    for (double lat = minLatitude; lat <= maxLatitude; lat += 3.7)
+        for (double lon = -179.87; lon < 180.0; lon += 7.3)
+            grid.append(Coord(lon, lat));
+    return grid;
+}
+
+QVector<Coord> swedenGrid()
+{
+    QVector<Coord> grid;
+    for (double lat = 55.41; lat <= 69.0; lat += 0.37)
+        for (double lon = 11.13; lon <= 24.0; lon += 0.43)
+            grid.append(Coord(lon, lat));
+    return grid;
+}
+
+class PrefixTranslator : public QTranslator
+{
+public:
+    QString translate(const char* context, const char* sourceText, const char* disambiguation,
+                      int n) const override
+    {
+        if (qstrcmp(context, "QCoreApplication") != 0 || disambiguation || n != -1)
+            return QString();
+        return QStringLiteral("tr:") + QLatin1String(sourceText);
+    }
+    bool isEmpty() const override { return false; }
+};
+
+} // namespace
+
+class tst_Coord : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void names_data();
+    void names();
+    void degreeSignIsUnicode();
+    void sweref99ExpressionAddsSecondsSigns();
+    void unknownNotationFallsBackToGeoLong_data();
+    void unknownNotationFallsBackToGeoLong();
+    void rawTextFillsTheMask_data();
+    void rawTextFillsTheMask();
+    void knownTexts_data();
+    void knownTexts();
+    void knownStrings_data();
+    void knownStrings();
+    void setText_data();
+    void setText();
+    void isValid_data();
+    void isValid();
+    void midpoint();
+    void roundTrips_data();
+    void roundTrips();
+    void badTextsNormalise_data();
+    void badTextsNormalise();
+    void unusableValuesGiveEmptyTexts_data();
+    void unusableValuesGiveEmptyTexts();
+};
+
+void tst_Coord::initTestCase()
+{
+    QLocale::setDefault(QLocale::c());
+}
+
+void tst_Coord::names_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QString>("name");
+
+    QTest::newRow("0") << 0 << QStringLiteral("Geo Decimal");
+    QTest::newRow("1") << 1 << QStringLiteral("Geo long");
+    QTest::newRow("2") << 2 << QStringLiteral("Geo short");
+    QTest::newRow("3") << 3 << QStringLiteral("UTM");
+    QTest::newRow("4") << 4 << QStringLiteral("MGRS");
+    QTest::newRow("5") << 5 << QStringLiteral("RT90");
+    QTest::newRow("6") << 6 << QStringLiteral("SWEREF99");
+    QTest::newRow("7") << 7 << QStringLiteral("QTH Maidenhead");
+    QTest::newRow("an unknown notation has no name") << 8 << QString();
+}
+
+void tst_Coord::names()
+{
+    QFETCH(int, format);
+    QFETCH(QString, name);
+
+    QCOMPARE(getCoordFormatName(CoordFormat(format)), name);
+    QCOMPARE(getTranslatedCoordFormatName(CoordFormat(format)), name);
+
+    PrefixTranslator translator;
+    QVERIFY(QCoreApplication::installTranslator(&translator));
+    const QString translated = getTranslatedCoordFormatName(CoordFormat(format));
+    QCoreApplication::removeTranslator(&translator);
+    QCOMPARE(translated, name.isEmpty() ? QString() : QStringLiteral("tr:") + name);
+}
+
+void tst_Coord::degreeSignIsUnicode()
+{
+    const QChar degree(0x00B0);
+    const Coord c;
+    QCOMPARE(c.GetMask(cfGeoLong), QString(QStringLiteral("E###") + degree + QStringLiteral("##'##.## N##") +
+                                           degree + QStringLiteral("##'##.##")));
+    QCOMPARE(Coord::getQtMask(cfGeoShort).count(degree), 2);
+    QCOMPARE(Coord::getMaskRegExp(cfGeoLong).count(degree), 4);
+    QVERIFY(std::strchr(c.GetFmt(cfGeoLong), '\xB0') == nullptr);
+}
+
+void tst_Coord::sweref99ExpressionAddsSecondsSigns()
+{
+    const QString sweref = Coord::getMaskRegExp(cfSWEREF99);
+    QCOMPARE(sweref.length(), 117);
+    QVERIFY(sweref.contains(QStringLiteral("00\\.00)\"\\s(N|S)")));
+    QVERIFY(sweref.endsWith(QStringLiteral("00\\.00)\"$")));
+    QString withoutSigns = sweref;
+    QCOMPARE(withoutSigns.remove(QLatin1Char('"')), Coord::getMaskRegExp(cfGeoLong));
+}
+
+void tst_Coord::unknownNotationFallsBackToGeoLong_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::newRow("8") << 8;
+    QTest::newRow("1000") << 1000;
+    QTest::newRow("-1") << -1;
+}
+
+void tst_Coord::unknownNotationFallsBackToGeoLong()
+{
+    QFETCH(int, format);
+    const CoordFormat unknown = CoordFormat(format);
+    Coord c(12.5, 55.25);
+
+    QCOMPARE(QByteArray(c.GetFmt(unknown)), QByteArray(c.GetFmt(cfGeoLong)));
+    QCOMPARE(c.GetMask(unknown), c.GetMask(cfGeoLong));
+    QCOMPARE(Coord::getQtMask(unknown), Coord::getQtMask(cfGeoLong));
+    QCOMPARE(Coord::getMaskRegExp(unknown), Coord::getMaskRegExp(cfGeoLong));
+    QCOMPARE(c.GetText(unknown), QString());
+    QCOMPARE(c.GetString(unknown), QString::fromUtf8("____°__'__.__ ___°__'__.__"));
+    c.SetText(QStringLiteral("W0103045"), unknown);
+    QCOMPARE(c, Coord(12.5, 55.25));
+}
+
+void tst_Coord::rawTextFillsTheMask_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::newRow("Geo Decimal") << int(cfGeoDecimal);
+    QTest::newRow("Geo long") << int(cfGeoLong);
+    QTest::newRow("Geo short") << int(cfGeoShort);
+    QTest::newRow("UTM") << int(cfUTM);
+    QTest::newRow("MGRS") << int(cfMGRS);
+    QTest::newRow("QTH Maidenhead") << int(cfQTHMaidenhead);
+}
+
+void tst_Coord::rawTextFillsTheMask()
+{
+    QFETCH(int, format);
+    const Coord c(-3.70379, 40.41678);
+    QCOMPARE(c.GetText(CoordFormat(format)).length(), inputPositions(c.GetMask(CoordFormat(format))));
+}
+
+void tst_Coord::knownTexts_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QString>("raw");
+
+    QTest::newRow("decimal: half a degree west on the equator counts as north")
+        << -0.5 << 0.0 << int(cfGeoDecimal) << QStringLiteral("W000500000N00000000");
+    QTest::newRow("decimal: the corner of the valid range")
+        << 180.0 << -90.0 << int(cfGeoDecimal) << QStringLiteral("E180000000S90000000");
+    QTest::newRow("decimal: millionths are rounded")
+        << 13.4049544 << 52.5200076 << int(cfGeoDecimal) << QStringLiteral("E013404954N52520008");
+    QTest::newRow("long: east and north") << dms(2, 17, 40.205) << dms(48, 51, 29.605) << int(cfGeoLong)
+                                          << QStringLiteral("E002174020N48512960");
+    QTest::newRow("long: west and south") << -dms(122, 25, 9.735) << -dms(33, 51, 35.995) << int(cfGeoLong)
+                                          << QStringLiteral("W122250973S33513599");
+    QTest::newRow("long: exact hundredths truncate in the longitude, not in the latitude")
+        << dms(2, 17, 40.2) << dms(2, 17, 40.2) << int(cfGeoLong) << QStringLiteral("E002174019N02174020");
+    QTest::newRow("short: fractions from a half second up round up")
+        << dms(10, 30, 29.504) << dms(45, 10, 29.49) << int(cfGeoShort) << QStringLiteral("E0103030N451029");
+    QTest::newRow("short: 59.996 seconds carry into the minute")
+        << dms(10, 30, 59.996) << dms(45, 10, 59.996) << int(cfGeoShort) << QStringLiteral("E0103100N451100");
+    QTest::newRow("short: 59 minutes 59.996 seconds carry into the degree")
+        << dms(10, 59, 59.996) << dms(45, 59, 59.996) << int(cfGeoShort) << QStringLiteral("E0110000N460000");
+    QTest::newRow("short: the carry reaches 180 and 90 degrees")
+        << -dms(179, 59, 59.6) << -dms(89, 59, 59.7) << int(cfGeoShort) << QStringLiteral("W1800000S900000");
+    QTest::newRow("Maidenhead: W1AW, Newington CT, is FN31pr")
+        << -72.727260 << 41.714775 << int(cfQTHMaidenhead) << QStringLiteral("FN31PR");
+    QTest::newRow("Maidenhead: central London is IO91wm")
+        << -0.1276 << 51.5072 << int(cfQTHMaidenhead) << QStringLiteral("IO91WM");
+    QTest::newRow("Maidenhead: Sydney Opera House is QF56od")
+        << 151.2153 << -33.8568 << int(cfQTHMaidenhead) << QStringLiteral("QF56OD");
+    QTest::newRow("Maidenhead: the origin is JJ00aa")
+        << 0.0 << 0.0 << int(cfQTHMaidenhead) << QStringLiteral("JJ00AA");
+    QTest::newRow("Maidenhead: the south-west corner is AA00aa")
+        << -180.0 << -90.0 << int(cfQTHMaidenhead) << QStringLiteral("AA00AA");
+    QTest::newRow("Maidenhead: the last sub-square is RR99xx")
+        << 179.99 << 89.99 << int(cfQTHMaidenhead) << QStringLiteral("RR99XX");
+}
+
+void tst_Coord::knownTexts()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(int, format);
+    QFETCH(QString, raw);
+
+    QCOMPARE(Coord(longitude, latitude).GetText(CoordFormat(format)), raw);
+}
+
+void tst_Coord::knownStrings_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QString>("formatted");
+
+    QTest::newRow("Geo Decimal") << -0.5 << 0.0 << int(cfGeoDecimal)
+                                 << QStringLiteral("W000.500000 N00.000000");
+    QTest::newRow("Geo long") << dms(2, 17, 40.205) << dms(48, 51, 29.605) << int(cfGeoLong)
+                              << QString::fromUtf8("E002°17'40.20 N48°51'29.60");
+    QTest::newRow("Geo short") << -dms(122, 25, 9.735) << -dms(33, 51, 35.995) << int(cfGeoShort)
+                               << QString::fromUtf8("W122°25'10 S33°51'36");
+    QTest::newRow("QTH Maidenhead") << -72.727260 << 41.714775 << int(cfQTHMaidenhead)
+                                    << QStringLiteral("FN31PR");
+}
+
+void tst_Coord::knownStrings()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(int, format);
+    QFETCH(QString, formatted);
+
+    QCOMPARE(Coord(longitude, latitude).GetString(CoordFormat(format)), formatted);
+}
+
+void tst_Coord::setText_data()
+{
+    QTest::addColumn<QString>("raw");
+    QTest::addColumn<int>("format");
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+
+    QTest::newRow("decimal: west and south negate")
+        << QStringLiteral("W012500000S33250000") << int(cfGeoDecimal) << -12.5 << -33.25;
+    QTest::newRow("long: half a hundredth of a second is added")
+        << QStringLiteral("E010304500N45000000") << int(cfGeoLong) << dms(10, 30, 45.005)
+        << dms(45, 0, 0.005);
+    QTest::newRow("long: lower-case hemisphere letters count")
+        << QStringLiteral("w010304512s45000099") << int(cfGeoLong) << -dms(10, 30, 45.125)
+        << -dms(45, 0, 0.995);
+    QTest::newRow("short: half a hundredth of a second is added too")
+        << QStringLiteral("E0103045S450000") << int(cfGeoShort) << dms(10, 30, 45.005) << -dms(45, 0, 0.005);
+    QTest::newRow("Maidenhead in lower case gives the centre of the sub-square")
+        << QStringLiteral("fn31pr") << int(cfQTHMaidenhead) << -180.0 + 106.0 + 15.5 / 12.0
+        << -90.0 + 131.0 + 17.5 / 24.0;
+    QTest::newRow("a four-character locator reads as sub-square AA")
+        << QStringLiteral("JJ00") << int(cfQTHMaidenhead) << 0.5 / 12.0 << 0.5 / 24.0;
+    QTest::newRow("longitude 190 becomes -170")
+        << QStringLiteral("E190000000N00000000") << int(cfGeoDecimal) << -170.0 << 0.0;
+    QTest::newRow("longitude -190 becomes 170")
+        << QStringLiteral("W190000000N00000000") << int(cfGeoDecimal) << 170.0 << 0.0;
+    QTest::newRow("latitude 100 wraps by 180 to -80, it is not reflected")
+        << QStringLiteral("E000000000N99600000") << int(cfGeoLong) << dms(0, 0, 0.005)
+        << -80.0 + dms(0, 0, 0.005);
+    QTest::newRow("latitude -99.5 wraps to 80.5")
+        << QStringLiteral("E000000000S99500000") << int(cfGeoDecimal) << 0.0 << 80.5;
+    QTest::newRow("Maidenhead letters beyond R wrap")
+        << QStringLiteral("ZZ00AA") << int(cfQTHMaidenhead) << 320.0 + 0.5 / 12.0 - 360.0
+        << 160.0 + 0.5 / 24.0 - 180.0;
+    QTest::newRow("unreadable numbers read as 0")
+        << QStringLiteral("Wabc12x456S1.2_3__4") << int(cfGeoDecimal) << -0.0 << -0.0;
+}
+
+void tst_Coord::setText()
+{
+    QFETCH(QString, raw);
+    QFETCH(int, format);
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+
+    Coord c(1.0, 2.0);
+    c.SetText(raw, CoordFormat(format));
+    QVERIFY2(std::fabs(c.GetLongitude() - longitude) < 1e-9,
+             qPrintable(QString::number(c.GetLongitude(), 'g', 15)));
+    QVERIFY2(std::fabs(c.GetLatitude() - latitude) < 1e-9,
+             qPrintable(QString::number(c.GetLatitude(), 'g', 15)));
+}
+
+void tst_Coord::isValid_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<bool>("valid");
+
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("longitude 180 and latitude -90 are valid") << 180.0 << -90.0 << true;
+    QTest::newRow("longitude -180 and latitude 90 are valid") << -180.0 << 90.0 << true;
+    QTest::newRow("longitude 180.0000001 is not") << 180.0000001 << 0.0 << false;
+    QTest::newRow("latitude -90.0000001 is not") << 0.0 << -90.0000001 << false;
+    QTest::newRow("NaN is not") << nan << 0.0 << false;
+    QTest::newRow("infinity is not") << 0.0 << -inf << false;
+}
+
+void tst_Coord::isValid()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(bool, valid);
+
+    QCOMPARE(Coord(longitude, latitude).IsValid(), valid);
+}
+
+void tst_Coord::midpoint()
+{
+    Coord a(10.0, 20.0);
+    a |= Coord(20.0, 41.0);
+    QCOMPARE(a, Coord(15.0, 30.5));
+
+    a |= a;
+    QCOMPARE(a, Coord(15.0, 30.5));
+
+    Coord across(170.0, 10.0);
+    across |= Coord(-170.0, 10.0);
+    QCOMPARE(across, Coord(0.0, 10.0));
+    QVERIFY(across != Coord(180.0, 10.0));
+}
+
+void tst_Coord::roundTrips_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<QVector<Coord>>("positions");
+    QTest::addColumn<double>("metres");
+
+    const QVector<Coord> world = worldGrid(-89.93, 89.99);
+    const QVector<Coord> utmArea = worldGrid(-79.93, 83.9);
+    // Millionths of a degree, hundredths and whole seconds: half a unit each way.
+    QTest::newRow("Geo Decimal worldwide") << int(cfGeoDecimal) << world << 0.08;
+    QTest::newRow("Geo long worldwide") << int(cfGeoLong) << world << 0.22;
+    QTest::newRow("Geo short worldwide") << int(cfGeoShort) << world << 22.0;
+    // Half a sub-square: 2.5 minutes of longitude, 1.25 of latitude.
+    QTest::newRow("QTH Maidenhead worldwide") << int(cfQTHMaidenhead) << world << 5200.0;
+    QTest::newRow("UTM within the UTM area") << int(cfUTM) << utmArea << 1.0;
+    QTest::newRow("MGRS within the MGRS area") << int(cfMGRS) << utmArea << 2.5;
+    QTest::newRow("RT90 in Sweden") << int(cfRT90) << swedenGrid() << 0.1;
+    // The latitude's seconds go out in thousandths and come back as hundredths.
+    QTest::newRow("SWEREF99 in Sweden") << int(cfSWEREF99) << swedenGrid() << 31.0;
+}
+
+void tst_Coord::roundTrips()
+{
+    QFETCH(int, format);
+    QFETCH(QVector<Coord>, positions);
+    QFETCH(double, metres);
+    const CoordFormat f = CoordFormat(format);
+
+    for (const Coord& position : positions) {
+        Coord fromText(99.0, 9.0);
+        fromText.SetText(position.GetText(f), f);
+        QVERIFY2(metresBetween(position, fromText) <= metres,
+                 qPrintable(position.GetText(f) +
+                            QStringLiteral(" is off by %1 m").arg(metresBetween(position, fromText))));
+        Coord fromString(99.0, 9.0);
+        fromString.SetString(position.GetString(f), f);
+        QVERIFY2(metresBetween(position, fromString) <= metres,
+                 qPrintable(position.GetString(f) +
+                            QStringLiteral(" is off by %1 m").arg(metresBetween(position, fromString))));
+    }
+}
+
+void tst_Coord::badTextsNormalise_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("empty") << QString();
+    QTest::newRow("one letter") << QStringLiteral("W");
+    QTest::newRow("one digit") << QStringLiteral("7");
+    QTest::newRow("digits where letters go") << QStringLiteral("1234567890123456789012345");
+    QTest::newRow("letters where digits go") << QStringLiteral("SWSWSWSWSWSWSWSWSWSWSWSWSW");
+    QTest::newRow("minus signs everywhere") << QStringLiteral("--------------------------");
+    QTest::newRow("a long text") << QString(5000, QLatin1Char('9'));
+    QTest::newRow("non-ASCII") << QString::fromUtf8(
+        "\xc3\x9f\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\xc3\xbf\xef\xbf\xbf\xc3\x9f");
+    QTest::newRow("a formatted text") << QString::fromUtf8("W179°59'59.99 S89°59'59.99");
+    QTest::newRow("placeholders") << QStringLiteral("__________________________");
+    QTest::newRow("lone surrogates") << QString(QChar(0xD800)) + QChar(0xDFFF) +
+                                            QStringLiteral("33VUE1234567890");
+    QTest::newRow("control characters") << QString(32, QChar(0));
+}
+
+void tst_Coord::badTextsNormalise()
+{
+    QFETCH(QString, text);
+
+    for (int format = 0; format <= 8; ++format) {
+        const CoordFormat f = CoordFormat(format);
+        Coord fromText(1.0, 2.0);
+        fromText.SetText(text, f);
+        QVERIFY2(fromText.IsValid(), qPrintable(getCoordFormatName(f)));
+        Coord fromString(1.0, 2.0);
+        fromString.SetString(text, f);
+        QVERIFY2(fromString.IsValid(), qPrintable(getCoordFormatName(f)));
+        fromString.GetString(f);
+    }
+}
+
+void tst_Coord::unusableValuesGiveEmptyTexts_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<bool>("empty");
+
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    QTest::newRow("NaN longitude") << nan << 10.0 << true;
+    QTest::newRow("infinite latitude") << 10.0 << inf << true;
+    QTest::newRow("huge values are wrapped, not looped over") << 1e300 << -1.7e308 << false;
+    QTest::newRow("values beyond int are wrapped") << 3e9 + 12.5 << -5e9 << false;
+}
+
+void tst_Coord::unusableValuesGiveEmptyTexts()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(bool, empty);
+
+    const Coord c(longitude, latitude);
+    for (int format = 0; format <= 7; ++format) {
+        const CoordFormat f = CoordFormat(format);
+        const QString text = c.GetText(f);
+        if (empty)
+            QVERIFY2(text.isEmpty(), qPrintable(getCoordFormatName(f)));
+        if (!empty && (f == cfGeoDecimal || f == cfGeoLong || f == cfGeoShort || f == cfQTHMaidenhead)) {
+            Coord back;
+            back.SetText(text, f);
+            QVERIFY2(back.IsValid(), qPrintable(text));
+        }
+        c.GetString(f);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_Coord)
+#include "tst_coord.moc"
