@@ -132,6 +132,8 @@ Sexagesimal splitDegrees(double a, double secondsNudge, double fractionScale)
     return {int(d), int(m), int(whole), int(std::trunc((s - whole) * fractionScale))};
 }
 
+// Rounding does not carry: a fraction within half a millionth below the next
+// degree gives 1000000, a seventh digit, as it always has.
 int millionths(double a)
 {
     return int(std::trunc((a - std::trunc(a)) * 1000000.0 + 0.5));
