@@ -5,6 +5,7 @@
 
 #include <QRegularExpression>
 
+#include <climits>
 #include <cmath>
 
 namespace {
@@ -50,6 +51,12 @@ constexpr GridRow kGrids[] = {
 };
 constexpr int kLastTableGrid = 12;
 constexpr int kLastGrid = 18;
+
+// |grid| without overflow; INT_MIN is as unknown as any other grid beyond 18.
+int absGrid(int grid)
+{
+    return grid >= 0 ? grid : grid == INT_MIN ? INT_MAX : -grid;
+}
 
 bool usesZoneMeridian(int g)
 {
@@ -243,7 +250,7 @@ double CMercCoordTrans::LL2TM(bool wantEasting, double lat, double lon, int grid
     if (!truncToLong(lat, truncLat) || !truncToLong(lon, truncLon) || !ValidLat(truncLat) ||
         !ValidLong(truncLon))
         return -1.0;
-    const int g = grid < 0 ? -grid : grid;
+    const int g = absGrid(grid);
     if ((g == 3 || g == 4) && !ValidLong(zoneMeridian))
         return -1.0;
     GridRow r;
@@ -284,7 +291,7 @@ double CMercCoordTrans::LL2TM(bool wantEasting, double lat, double lon, int grid
 double CMercCoordTrans::TM2LL(bool wantLatitude, double easting, double northing, int grid,
                               long zoneMeridian) const
 {
-    const int g = grid < 0 ? -grid : grid;
+    const int g = absGrid(grid);
     GridRow r;
     if (g > kLastTableGrid || !gridRow(g, zoneMeridian, r))
         return -1.0;
@@ -420,7 +427,7 @@ QString CMercCoordTrans::LL2GR(double lat, double lon, int grid) const
         return QStringLiteral("#INVALID LATITUDE");
     if (!truncToLong(lon, truncLon) || !ValidLong(truncLon))
         return QStringLiteral("#INVALID LONGITUDE");
-    const int g = grid < 0 ? -grid : grid;
+    const int g = absGrid(grid);
     if (usesZoneMeridian(g) && (lat < -80.0 || lat >= 84.0))
         return QStringLiteral("#LATITUDE OUTSIDE MGRS AREA");
 
@@ -487,7 +494,7 @@ double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
 {
     QString text = ref.toUpper();
     text.remove(QRegularExpression(QStringLiteral("[\\s-]")));
-    const int g = grid < 0 ? -grid : grid;
+    const int g = absGrid(grid);
     double e, n;
 
     if (g == 1) {

@@ -3,6 +3,7 @@
 (GeoConvert).  Run from this directory: ./make_reference.py  (writes *.txt here).
 Not run by the build; the outputs are committed."""
 
+import math
 import random
 import subprocess
 
@@ -64,6 +65,15 @@ for grid, ellps in ((3, "+ellps=intl"), (4, "+ellps=WGS84"), (10, "+a=6378249.14
             continue
         grids.append((grid, cm, "+proj=tmerc +lat_0=0 +lon_0=%d +k=0.9996 +x_0=500000 +y_0=0 %s" % (cm, ellps),
                       "+proj=longlat %s" % ellps, [(lat, lon)]))
+# Grids 13 to 18 as the library defines them: GRS 80's major axis with Bessel's minor
+# axis and a latitude of origin of 0.003352810681182319 radians.
+rt90 = [(11.30625, 1.000006, -667.282, 1500025.141), (13.55626667, 1.0000058, -667.13, 1500044.695),
+        (15.80628333, 1.00000561024, -667.711, 1500064.274), (18.0563, 1.0000054, -668.844, 1500083.521),
+        (20.30631667, 1.0000052, -670.706, 1500102.765), (22.55633333, 1.0000049, -672.557, 1500121.846)]
+for i, (lon0, k, fn, fe) in enumerate(rt90):
+    grids.append((13 + i, 0, "+proj=tmerc +lat_0=%.17g +lon_0=%.17g +k=%.17g +x_0=%.17g +y_0=%.17g +a=6378137 "
+                  "+b=6356078.961955" % (math.degrees(0.003352810681182319), lon0, k, fe, fn),
+                  "+proj=longlat +a=6378137 +b=6356078.961955", uniform(5, 55.2, 69.1, lon0 - 2.5, lon0 + 2.5)))
 for grid, cm, proj, geo, pts in grids:
     res = cs2cs(geo, proj, [(lon, lat) for lat, lon in pts])
     for (lat, lon), (e, n) in zip(pts, res):
