@@ -86,6 +86,29 @@ Series series(double axis, double flattening)
     return s;
 }
 
+// Sum over k = 1..4 of c[k-1] sin(2k(xi + i eta)), by Clenshaw's recurrence on the
+// complex angle: the real part is the sum of c sin(2k xi) cosh(2k eta), the imaginary
+// part that of c cos(2k xi) sinh(2k eta). Four transcendental calls instead of sixteen.
+void kruegerSum(const double c[4], double xi, double eta, double& re, double& im)
+{
+    const double s2 = std::sin(2.0 * xi), c2 = std::cos(2.0 * xi);
+    const double sh2 = std::sinh(2.0 * eta), ch2 = std::cosh(2.0 * eta);
+    // 2 cos(2 zeta) and sin(2 zeta)
+    const double ar = 2.0 * c2 * ch2, ai = -2.0 * s2 * sh2;
+    const double sr = s2 * ch2, si = c2 * sh2;
+    double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
+    for (int k = 3; k >= 0; --k) {
+        const double br = c[k] + ar * b1r - ai * b1i - b2r;
+        const double bi = ar * b1i + ai * b1r - b2i;
+        b2r = b1r;
+        b2i = b1i;
+        b1r = br;
+        b1i = bi;
+    }
+    re = b1r * sr - b1i * si;
+    im = b1r * si + b1i * sr;
+}
+
 bool parseRt90Axis(const QString& text, double& value)
 {
     QString digits = text;
@@ -154,20 +177,16 @@ bool GaussKrugerProjection::geodeticToGrid(double lat, double lon, double& x, do
 
     const double phi = lat * kDegToRad;
     const double dl = lon * kDegToRad - m_dCentralMeridian * kDegToRad;
-    const double sin2 = std::sin(phi) * std::sin(phi);
-    const double phiStar = phi - std::sin(phi) * std::cos(phi) * (A + sin2 * (B + sin2 * (C + sin2 * D)));
+    const double sinPhi = std::sin(phi);
+    const double sin2 = sinPhi * sinPhi;
+    const double phiStar = phi - sinPhi * std::cos(phi) * (A + sin2 * (B + sin2 * (C + sin2 * D)));
     const double xiPrim = std::atan(std::tan(phiStar) / std::cos(dl));
     const double etaPrim = std::atanh(std::cos(phiStar) * std::sin(dl));
 
-    double sx = xiPrim;
-    double sy = etaPrim;
-    for (int i = 0; i < 4; ++i) {
-        const double k = 2.0 * (i + 1);
-        sx += s.beta[i] * std::sin(k * xiPrim) * std::cosh(k * etaPrim);
-        sy += s.beta[i] * std::cos(k * xiPrim) * std::sinh(k * etaPrim);
-    }
-    const double outX = m_dScale * s.aRoof * sx + m_dFalseNorthing;
-    const double outY = m_dScale * s.aRoof * sy + m_dFalseEasting;
+    double sx, sy;
+    kruegerSum(s.beta, xiPrim, etaPrim, sx, sy);
+    const double outX = m_dScale * s.aRoof * (xiPrim + sx) + m_dFalseNorthing;
+    const double outY = m_dScale * s.aRoof * (etaPrim + sy) + m_dFalseEasting;
     if (!std::isfinite(outX) || !std::isfinite(outY))
         return false;
     x = outX;
@@ -186,13 +205,10 @@ bool GaussKrugerProjection::gridToGeodetic(double x, double y, double& lat, doub
 
     const double xi = (x - m_dFalseNorthing) / (m_dScale * s.aRoof);
     const double eta = (y - m_dFalseEasting) / (m_dScale * s.aRoof);
-    double xiPrim = xi;
-    double etaPrim = eta;
-    for (int i = 0; i < 4; ++i) {
-        const double k = 2.0 * (i + 1);
-        xiPrim -= s.delta[i] * std::sin(k * xi) * std::cosh(k * eta);
-        etaPrim -= s.delta[i] * std::cos(k * xi) * std::sinh(k * eta);
-    }
+    double sx, sy;
+    kruegerSum(s.delta, xi, eta, sx, sy);
+    const double xiPrim = xi - sx;
+    const double etaPrim = eta - sy;
     const double phiStar = std::asin(std::sin(xiPrim) / std::cosh(etaPrim));
     const double dl = std::atan(std::sinh(etaPrim) / std::cos(xiPrim));
     const double sin2 = std::sin(phiStar) * std::sin(phiStar);
