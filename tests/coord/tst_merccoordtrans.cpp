@@ -164,24 +164,30 @@ void TestMercCoordTrans::utmZones()
 void TestMercCoordTrans::latitudeBands_data()
 {
     QTest::addColumn<double>("lat");
+    QTest::addColumn<int>("grid");
     QTest::addColumn<QString>("reference");
-    QTest::newRow("the equator is band N") << 0.0 << QStringLiteral("31N");
-    QTest::newRow("just south of the equator is band M") << -0.5 << QStringLiteral("31M");
-    QTest::newRow("80 degrees is band X") << 80.0 << QStringLiteral("31X");
-    QTest::newRow("83.99 degrees is band X") << 83.99 << QStringLiteral("31X");
-    QTest::newRow("71.99 degrees is band W") << 71.99 << QStringLiteral("31W");
-    QTest::newRow("-80 degrees is band C") << -80.0 << QStringLiteral("31C");
-    QTest::newRow("84 degrees is outside MGRS") << 84.0 << QStringLiteral("#LATITUDE OUTSIDE MGRS AREA");
+    QTest::newRow("the equator is band N") << 0.0 << 4 << QStringLiteral("31N");
+    QTest::newRow("just south of the equator is band M") << -0.5 << 4 << QStringLiteral("31M");
+    QTest::newRow("80 degrees is band X") << 80.0 << 4 << QStringLiteral("31X");
+    QTest::newRow("83.99 degrees is band X") << 83.99 << 4 << QStringLiteral("31X");
+    QTest::newRow("71.99 degrees is band W") << 71.99 << 4 << QStringLiteral("31W");
+    QTest::newRow("-80 degrees is band C") << -80.0 << 4 << QStringLiteral("31C");
+    QTest::newRow("84 degrees is outside MGRS") << 84.0 << 4 << QStringLiteral("#LATITUDE OUTSIDE MGRS AREA");
     QTest::newRow("-80.01 degrees is outside MGRS")
-        << -80.01 << QStringLiteral("#LATITUDE OUTSIDE MGRS AREA");
+        << -80.01 << 10 << QStringLiteral("#LATITUDE OUTSIDE MGRS AREA");
+    // Grid 5 has no MGRS limit, which shows the bands beyond it.
+    QTest::newRow("84 degrees is band X") << 84.0 << 5 << QStringLiteral("31X");
+    QTest::newRow("the north pole is band X") << 90.0 << 5 << QStringLiteral("31X");
+    QTest::newRow("the south pole is band A") << -90.0 << 5 << QStringLiteral("31A");
 }
 
 void TestMercCoordTrans::latitudeBands()
 {
     QFETCH(double, lat);
+    QFETCH(int, grid);
     QFETCH(QString, reference);
-    QVERIFY2(CMercCoordTrans().LL2GR(lat, 2.0, 4).startsWith(reference),
-             qPrintable(CMercCoordTrans().LL2GR(lat, 2.0, 4)));
+    const QString ref = CMercCoordTrans().LL2GR(lat, 2.0, grid);
+    QVERIFY2(ref.startsWith(reference), qPrintable(ref));
 }
 
 // GeoConvert's reference (millimetres) of the position nudged as LL2GR nudges it; LL2GR
