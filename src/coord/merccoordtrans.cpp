@@ -32,21 +32,32 @@ struct GridRow
 
 constexpr double kNoMeridian = 0.0; // placeholder for the grids whose meridian comes from the caller
 
-// Rows 1 to 12; 13 to 18 are built from GetRT90param. Grid 9's central meridian is the
-// number 114.178556 used as radians, which is how the applications' data was computed.
+// Rows 1 to 12 (aF0, bF0, phi0, lambda0 in radians, N0, E0); 13 to 18 are built from
+// GetRT90param. Grid 9's central meridian is the number 114.178556 used as radians:
+// the applications' stored grid values were computed that way.
 constexpr GridRow kGrids[] = {
     {0, 0, 0, 0, 0, 0},
+    // 1 British national grid: Airy 1830 x 0.9996012717, origin 49N 2W
     {6375020.480988971, 6353722.490487913, 0.8552113334772207, -0.034906585039886556, -100000.0, 400000.0},
+    // 2 Irish grid: modified Airy x 1.000035, origin 53.5N 8W
     {6377563.395906615, 6356256.9612075, 0.9337511498169654, -0.13962634015954623, 250000.0, 200000.0},
+    // 3 UTM on the International ellipsoid x 0.9996
     {6375836.6448, 6354369.181221601, 0, kNoMeridian, 0, 500000.0},
+    // 4 UTM on WGS-84 x 0.9996
     {6375585.745200001, 6354209.61327432, 0, kNoMeridian, 0, 500000.0},
+    // 5 RT90 2.5 gon V on Bessel 1841
     {6377397.154171, 6356078.961955, 0, 0.2759064962924623, 0, 1500000.0},
+    // 6 and 7: International x 0.9996 at 9E and 15E
     {6375836.6448, 6354369.181221601, 0, 0.1570796326794895, 0, 1500000.0},
     {6375836.6448, 6354369.181221601, 0, 0.2617993877991492, 0, 2520000.0},
+    // 8 International at 27E
     {6378388.0, 6356911.946, 0, 0.4712388980384685, 0, 500000.0},
+    // 9 Hong Kong 1980 grid, with its meridian in degrees taken as radians
     {6378388.0, 6356911.946, 0.3894201839928796, 114.178556, 819069.8, 836694.05},
+    // 10 and 11: UTM on Clarke 1880 and Clarke 1866 x 0.9996
     {6375697.845342, 6353972.264052001, 0, kNoMeridian, 0, 500000.0},
     {6375655.117440001, 6354041.16648, 0, kNoMeridian, 0, 500000.0},
+    // 12 the RT90 2.5 gon V direct-projection constants on Bessel 1841
     {6377432.933728615, 6356114.622128441, 0, 0.27587162849212904, -667.711, 1500064.274},
 };
 constexpr int kLastTableGrid = 12;
