@@ -57,7 +57,8 @@ public:
     long UTMLongZone(double lat, double lon) const;
 
     /// British (grid 1, "NN1234567890") or Irish (grid 2, "N1234567890") grid reference,
-    /// or MGRS for the UTM grids ("32VNM0537255413"); errors as texts starting with "#".
+    /// or MGRS for the UTM grids ("32VNM0537255413"); errors as texts starting with "#",
+    /// and "Invalid" where the grid gives no 100 km letters (unknown grid, far off zone).
     QString LL2GR(double lat, double lon, int grid) const;
     /// Latitude (wantLatitude) or longitude in degrees of a grid reference; reads what
     /// LL2GR writes, also lower case, blanks or dashes between the groups and 2 to 10
