@@ -14,16 +14,17 @@ struct UnsupportedParseType
     static constexpr bool value = false;
 };
 
-/// Text to number, or to bool, as operators type it. Never throws. On failure
-/// or out of range the result is 0 (false) with *ok false; `ok` may be null.
+/// Text to number, or to bool, as operators type it. Never throws; `ok` may be
+/// null. Integers that fail or are out of range give 0 with *ok false.
 /// Reentrant.
 /// - short .. unsigned long long: base 10 goes through `locale`, so its group
 ///   separators are accepted ("1.000" is 1000 in German); any other base (0 =
-///   C-style prefixes) through QString without the locale. Qt treats a base
-///   outside 2..36 as 10.
+///   C-style prefixes "0x" and "0") through QString without the locale. A base
+///   outside 0 and 2..36 always fails.
 /// - signed char / unsigned char: QString's 16-bit conversion in `base`, then
 ///   a range check; the locale is not used.
-/// - float / double: `locale`'s conversion; the base is ignored.
+/// - float / double: `locale`'s conversion, the base is ignored. Overflow gives
+///   +-infinity, float underflow 0, both with *ok false; "inf" and "nan" parse.
 /// - bool: a number (base 0) gives number != 0, with *ok true only for 0 and 1
 ///   ("2" is true with *ok false); otherwise, blanks trimmed and ignoring case,
 ///   "true"/"yes"/"on" and "false"/"no"/"off". Locale and base are ignored.
