@@ -4,6 +4,38 @@
 
 #include <algorithm>
 
+namespace {
+
+void putDigits(QChar* out, int count, unsigned int value)
+{
+    for (int i = count - 1; i >= 0; --i, value /= 10u)
+        out[i] = QLatin1Char(char('0' + value % 10u));
+}
+
+// The text of toString("yyyy-MM-dd hh:mm:ss."), without parsing the format on
+// every new second. 32-bit seconds keep the year within four digits.
+void formatDate(const QDateTime& dateTime, QString& text)
+{
+    const QDate date = dateTime.date();
+    const QTime time = dateTime.time();
+    text.resize(20);
+    QChar* out = text.data();
+    putDigits(out, 4, static_cast<unsigned int>(date.year()));
+    out[4] = QLatin1Char('-');
+    putDigits(out + 5, 2, static_cast<unsigned int>(date.month()));
+    out[7] = QLatin1Char('-');
+    putDigits(out + 8, 2, static_cast<unsigned int>(date.day()));
+    out[10] = QLatin1Char(' ');
+    putDigits(out + 11, 2, static_cast<unsigned int>(time.hour()));
+    out[13] = QLatin1Char(':');
+    putDigits(out + 14, 2, static_cast<unsigned int>(time.minute()));
+    out[16] = QLatin1Char(':');
+    putDigits(out + 17, 2, static_cast<unsigned int>(time.second()));
+    out[19] = QLatin1Char('.');
+}
+
+} // namespace
+
 TimeStamp2QString::TimeStamp2QString() : m_strMSecs(7, QLatin1Char('0'))
 {
     m_strMSecs[3] = QLatin1Char('.');
@@ -39,7 +71,7 @@ QString& TimeStamp2QString::toString(unsigned long long& microseconds)
         m_nSeconds = seconds;
         m_bDateCached = true;
         m_pDateTime->setSecsSinceEpoch(seconds);
-        m_strDate = m_pDateTime->toString(QStringLiteral("yyyy-MM-dd hh:mm:ss."));
+        formatDate(*m_pDateTime, m_strDate);
     }
 
     // The remainder comes from the full 64-bit value: subtracting the truncated
@@ -50,12 +82,8 @@ QString& TimeStamp2QString::toString(unsigned long long& microseconds)
 
     // Same text as QString::asprintf("%03d.%03d", ms, us), without the format parser.
     QChar* digits = m_strMSecs.data();
-    digits[0] = QLatin1Char(char('0' + ms / 100u));
-    digits[1] = QLatin1Char(char('0' + ms / 10u % 10u));
-    digits[2] = QLatin1Char(char('0' + ms % 10u));
-    digits[4] = QLatin1Char(char('0' + us / 100u));
-    digits[5] = QLatin1Char(char('0' + us / 10u % 10u));
-    digits[6] = QLatin1Char(char('0' + us % 10u));
+    putDigits(digits, 3, ms);
+    putDigits(digits + 4, 3, us);
 
     m_strResult.resize(m_strDate.size() + m_strMSecs.size());
     QChar* out = m_strResult.data();
