@@ -8,7 +8,8 @@
 
 namespace {
 
-// Renders the parsed value as decimal text, so one table can hold every type.
+const QLocale german(QLocale::German, QLocale::Germany);
+
 template <typename T>
 QString parsedText(const QString& text, const QLocale& locale, int base, bool* ok)
 {
@@ -16,29 +17,20 @@ QString parsedText(const QString& text, const QLocale& locale, int base, bool* o
     return QString::number(static_cast<Wide>(NumberHelpers::parse<T>(text, locale, ok, base)));
 }
 
-QString parsedText(const QString& type, const QString& text, const QLocale& locale, int base, bool* ok)
+// The value as decimal text, so that one table holds every integer type.
+QString parsedText(const QByteArray& type, const QString& text, const QLocale& locale, int base, bool* ok)
 {
-    if (type == QLatin1String("schar"))
-        return parsedText<signed char>(text, locale, base, ok);
-    if (type == QLatin1String("uchar"))
-        return parsedText<unsigned char>(text, locale, base, ok);
-    if (type == QLatin1String("short"))
-        return parsedText<short>(text, locale, base, ok);
-    if (type == QLatin1String("ushort"))
-        return parsedText<unsigned short>(text, locale, base, ok);
-    if (type == QLatin1String("int"))
-        return parsedText<int>(text, locale, base, ok);
-    if (type == QLatin1String("uint"))
-        return parsedText<unsigned int>(text, locale, base, ok);
-    if (type == QLatin1String("longlong"))
-        return parsedText<long long>(text, locale, base, ok);
-    if (type == QLatin1String("ulonglong"))
-        return parsedText<unsigned long long>(text, locale, base, ok);
-    qFatal("no such type in the table");
-    return QString();
+    using Parser = QString (*)(const QString&, const QLocale&, int, bool*);
+    static const QHash<QByteArray, Parser> parsers{{"schar", &parsedText<signed char>},
+                                                   {"uchar", &parsedText<unsigned char>},
+                                                   {"short", &parsedText<short>},
+                                                   {"ushort", &parsedText<unsigned short>},
+                                                   {"int", &parsedText<int>},
+                                                   {"uint", &parsedText<unsigned int>},
+                                                   {"longlong", &parsedText<long long>},
+                                                   {"ulonglong", &parsedText<unsigned long long>}};
+    return parsers.value(type)(text, locale, base, ok);
 }
-
-const QLocale german(QLocale::German, QLocale::Germany);
 
 } // namespace
 
@@ -49,17 +41,14 @@ class tst_NumberHelpers : public QObject
 private slots:
     void integers_data();
     void integers();
-    void floatingPoint_data();
     void floatingPoint();
-    void floatOverflow();
     void booleans_data();
     void booleans();
-    void nullOkStillParses();
 };
 
 void tst_NumberHelpers::integers_data()
 {
-    QTest::addColumn<QString>("type");
+    QTest::addColumn<QByteArray>("type");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QLocale>("locale");
     QTest::addColumn<int>("base");
@@ -67,86 +56,39 @@ void tst_NumberHelpers::integers_data()
     QTest::addColumn<bool>("ok");
 
     const QLocale c = QLocale::c();
-    QTest::newRow("signed char takes 127") << "schar"
-                                           << "127" << c << 10 << "127" << true;
-    QTest::newRow("signed char takes -128") << "schar"
-                                            << "-128" << c << 10 << "-128" << true;
-    QTest::newRow("signed char refuses 200") << "schar"
-                                             << "200" << c << 10 << "0" << false;
-    QTest::newRow("signed char refuses -129") << "schar"
-                                              << "-129" << c << 10 << "0" << false;
-    QTest::newRow("signed char in hex") << "schar"
-                                        << "7f" << c << 16 << "127" << true;
-    QTest::newRow("signed char ignores the locale") << "schar"
-                                                    << "1.0" << german << 10 << "0" << false;
-    QTest::newRow("unsigned char takes 255") << "uchar"
-                                             << "255" << c << 10 << "255" << true;
-    QTest::newRow("unsigned char refuses 256") << "uchar"
-                                               << "256" << c << 10 << "0" << false;
-    QTest::newRow("unsigned char refuses -1") << "uchar"
-                                              << "-1" << c << 10 << "0" << false;
-    QTest::newRow("unsigned char in binary") << "uchar"
-                                             << "11111111" << c << 2 << "255" << true;
-
-    QTest::newRow("German group separator in base 10") << "int"
-                                                       << "1.000" << german << 10 << "1000" << true;
-    QTest::newRow("German group separators in a long long")
-        << "longlong"
-        << "-1.234.567.890.123" << german << 10 << "-1234567890123" << true;
-    QTest::newRow("C group separator in base 10") << "uint"
-                                                  << "1,000" << c << 10 << "1000" << true;
-    QTest::newRow("German decimal comma is no integer") << "int"
-                                                        << "1,5" << german << 10 << "0" << false;
-    QTest::newRow("hex ff is 255") << "int"
-                                   << "ff" << german << 16 << "255" << true;
-    QTest::newRow("other bases ignore the locale") << "int"
-                                                   << "1.000" << german << 16 << "0" << false;
-    QTest::newRow("base 0 reads the 0x prefix") << "ushort"
-                                                << "0x10" << c << 0 << "16" << true;
-    QTest::newRow("base 0 reads a leading 0 as octal") << "short"
-                                                       << "017" << c << 0 << "15" << true;
-    QTest::newRow("base 10 reads a leading 0 as decimal") << "short"
-                                                          << "017" << c << 10 << "17" << true;
-    QTest::newRow("invalid base fails") << "int"
-                                        << "12" << c << 37 << "0" << false;
-    QTest::newRow("negative base fails") << "int"
-                                         << "12" << c << -2 << "0" << false;
-    QTest::newRow("blanks around are accepted") << "int"
-                                                << " 42 " << c << 10 << "42" << true;
-    QTest::newRow("empty text fails") << "int"
-                                      << "" << c << 10 << "0" << false;
-    QTest::newRow("letters fail") << "int"
-                                  << "12abc" << c << 10 << "0" << false;
-
-    QTest::newRow("short refuses 32768") << "short"
-                                         << "32768" << c << 10 << "0" << false;
-    QTest::newRow("unsigned short takes 65535") << "ushort"
-                                                << "65535" << c << 10 << "65535" << true;
-    QTest::newRow("unsigned short refuses 65536") << "ushort"
-                                                  << "65536" << c << 10 << "0" << false;
-    QTest::newRow("int refuses 2^31") << "int"
-                                      << "2147483648" << c << 10 << "0" << false;
-    QTest::newRow("int takes -2^31") << "int"
-                                     << "-2147483648" << c << 10 << "-2147483648" << true;
-    QTest::newRow("unsigned int takes 2^32-1") << "uint"
-                                               << "4294967295" << c << 10 << "4294967295" << true;
-    QTest::newRow("unsigned int refuses -1") << "uint"
-                                             << "-1" << c << 10 << "0" << false;
-    QTest::newRow("long long takes 2^63-1")
-        << "longlong"
-        << "9223372036854775807" << c << 10 << "9223372036854775807" << true;
-    QTest::newRow("long long refuses 2^63") << "longlong"
-                                            << "9223372036854775808" << c << 10 << "0" << false;
-    QTest::newRow("unsigned long long takes 2^64-1 in hex")
-        << "ulonglong"
-        << "ffffffffffffffff" << c << 16 << "18446744073709551615" << true;
-    QTest::newRow("unsigned long long refuses 2^64") << "ulonglong"
-                                                     << "18446744073709551616" << c << 10 << "0" << false;
+    QTest::newRow("signed char takes -128") << QByteArray("schar") << "-128" << c << 10 << "-128" << true;
+    QTest::newRow("signed char refuses 200") << QByteArray("schar") << "200" << c << 10 << "0" << false;
+    QTest::newRow("signed char ignores the locale")
+        << QByteArray("schar") << "1.0" << german << 10 << "0" << false;
+    QTest::newRow("unsigned char takes 255") << QByteArray("uchar") << "255" << c << 10 << "255" << true;
+    QTest::newRow("unsigned char refuses 256 in hex")
+        << QByteArray("uchar") << "100" << c << 16 << "0" << false;
+    QTest::newRow("German group separator in base 10")
+        << QByteArray("int") << "1.000" << german << 10 << "1000" << true;
+    QTest::newRow("German groups in a long long")
+        << QByteArray("longlong") << "-1.234.567.890.123" << german << 10 << "-1234567890123" << true;
+    QTest::newRow("German decimal comma is no integer")
+        << QByteArray("int") << "1,5" << german << 10 << "0" << false;
+    QTest::newRow("hex ff is 255") << QByteArray("int") << "ff" << german << 16 << "255" << true;
+    QTest::newRow("other bases ignore the locale")
+        << QByteArray("int") << "1.000" << german << 16 << "0" << false;
+    QTest::newRow("base 0 reads 0x") << QByteArray("ushort") << "0x10" << c << 0 << "16" << true;
+    QTest::newRow("base 0 reads a leading 0 as octal")
+        << QByteArray("short") << "017" << c << 0 << "15" << true;
+    QTest::newRow("invalid base fails") << QByteArray("int") << "12" << c << 37 << "0" << false;
+    QTest::newRow("short refuses 32768") << QByteArray("short") << "32768" << c << 10 << "0" << false;
+    QTest::newRow("int refuses 2^31") << QByteArray("int") << "2147483648" << c << 10 << "0" << false;
+    QTest::newRow("unsigned int refuses -1") << QByteArray("uint") << "-1" << c << 10 << "0" << false;
+    QTest::newRow("long long refuses 2^63")
+        << QByteArray("longlong") << "9223372036854775808" << c << 10 << "0" << false;
+    QTest::newRow("unsigned long long takes 2^64-1")
+        << QByteArray("ulonglong") << "18446744073709551615" << c << 10 << "18446744073709551615" << true;
+    QTest::newRow("letters fail") << QByteArray("int") << "12abc" << c << 10 << "0" << false;
 }
 
 void tst_NumberHelpers::integers()
 {
-    QFETCH(QString, type);
+    QFETCH(QByteArray, type);
     QFETCH(QString, text);
     QFETCH(QLocale, locale);
     QFETCH(int, base);
@@ -155,48 +97,22 @@ void tst_NumberHelpers::integers()
     bool parsed = !ok;
     QCOMPARE(parsedText(type, text, locale, base, &parsed), expected);
     QCOMPARE(parsed, ok);
-}
-
-void tst_NumberHelpers::floatingPoint_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QLocale>("locale");
-    QTest::addColumn<double>("expected");
-    QTest::addColumn<bool>("ok");
-
-    const QLocale c = QLocale::c();
-    QTest::newRow("C decimal point") << "1.5" << c << 1.5 << true;
-    QTest::newRow("German decimal comma") << "1,5" << german << 1.5 << true;
-    QTest::newRow("German groups and comma") << "-1.234,25" << german << -1234.25 << true;
-    QTest::newRow("exponent") << "2.5e-3" << c << 0.0025 << true;
-    QTest::newRow("hex is no number here") << "0x10" << c << 0.0 << false;
-    QTest::newRow("text is no number") << "abc" << c << 0.0 << false;
-    QTest::newRow("overflow is infinite, not ok")
-        << "1e400" << c << std::numeric_limits<double>::infinity() << false;
+    QCOMPARE(parsedText(type, text, locale, base, nullptr), expected);
 }
 
 void tst_NumberHelpers::floatingPoint()
 {
-    QFETCH(QString, text);
-    QFETCH(QLocale, locale);
-    QFETCH(double, expected);
-    QFETCH(bool, ok);
-    bool parsed = !ok;
-    QCOMPARE(NumberHelpers::parse<double>(text, locale, &parsed, 16), expected);
-    QCOMPARE(parsed, ok);
-    parsed = !ok;
-    QCOMPARE(NumberHelpers::parse<float>(text, locale, &parsed, 16), float(expected));
-    QCOMPARE(parsed, ok);
-}
-
-void tst_NumberHelpers::floatOverflow()
-{
-    bool ok = true;
+    bool ok = false;
+    QCOMPARE(NumberHelpers::parse<double>(QStringLiteral("-1.234,25"), german, &ok, 16), -1234.25);
+    QVERIFY(ok);
+    QCOMPARE(NumberHelpers::parse<float>(QStringLiteral("2.5e-3"), QLocale::c(), &ok), 0.0025f);
+    QVERIFY(ok);
+    QCOMPARE(NumberHelpers::parse<double>(QStringLiteral("1,500"), QLocale::c(), &ok), 1500.0);
+    QCOMPARE(NumberHelpers::parse<double>(QStringLiteral("0x10"), QLocale::c(), &ok), 0.0);
+    QVERIFY(!ok);
     QCOMPARE(NumberHelpers::parse<float>(QStringLiteral("1e40"), QLocale::c(), &ok),
              std::numeric_limits<float>::infinity());
     QVERIFY(!ok);
-    QCOMPARE(NumberHelpers::parse<double>(QStringLiteral("1e40"), QLocale::c(), &ok), 1e40);
-    QVERIFY(ok);
     QVERIFY(std::isnan(NumberHelpers::parse<double>(QStringLiteral("nan"), QLocale::c(), &ok)));
     QVERIFY(ok);
 }
@@ -206,23 +122,17 @@ void tst_NumberHelpers::booleans_data()
     QTest::addColumn<QString>("text");
     QTest::addColumn<bool>("expected");
     QTest::addColumn<bool>("ok");
-
     QTest::newRow("Yes with blanks around is true") << "  Yes \t" << true << true;
     QTest::newRow("ON is true") << "ON" << true << true;
-    QTest::newRow("true is true") << "true" << true << true;
     QTest::newRow("Off is false") << "Off" << false << true;
-    QTest::newRow("no is false") << "no" << false << true;
     QTest::newRow("FALSE is false") << "FALSE" << false << true;
-    QTest::newRow("1 is true") << "1" << true << true;
     QTest::newRow("0 is false") << "0" << false << true;
     QTest::newRow("0x1 is true") << "0x1" << true << true;
     QTest::newRow("2 is true, not ok") << "2" << true << false;
     QTest::newRow("-1 is true, not ok") << "-1" << true << false;
-    QTest::newRow("octal 010 is true, not ok") << "010" << true << false;
     QTest::newRow("maybe is false, not ok") << "maybe" << false << false;
     QTest::newRow("a word prefix is no word") << "ye" << false << false;
-    QTest::newRow("empty is false, not ok") << "" << false << false;
-    QTest::newRow("too large for 16 bits is no number") << "70000" << false << false;
+    QTest::newRow("beyond 16 bits is no number") << "70000" << false << false;
 }
 
 void tst_NumberHelpers::booleans()
@@ -231,17 +141,8 @@ void tst_NumberHelpers::booleans()
     QFETCH(bool, expected);
     QFETCH(bool, ok);
     bool parsed = !ok;
-    // Locale and base must not matter.
-    QCOMPARE(NumberHelpers::parse<bool>(text, german, &parsed, 2), expected);
+    QCOMPARE(NumberHelpers::parse<bool>(text, german, &parsed, 2), expected); // locale and base don't matter
     QCOMPARE(parsed, ok);
-}
-
-void tst_NumberHelpers::nullOkStillParses()
-{
-    QCOMPARE(NumberHelpers::parse<int>(QStringLiteral("1.000"), german), 1000);
-    QCOMPARE(NumberHelpers::parse<unsigned char>(QStringLiteral("ff"), QLocale::c(), nullptr, 16), 255);
-    QCOMPARE(NumberHelpers::parse<bool>(QStringLiteral("yes")), true);
-    QCOMPARE(NumberHelpers::parse<double>(QStringLiteral("0.25"), QLocale::c()), 0.25);
 }
 
 QTEST_APPLESS_MAIN(tst_NumberHelpers)
