@@ -17,6 +17,15 @@ const QRegularExpression& hostPortPattern()
     return s_Pattern;
 }
 
+// '$' also matches before a final line feed, which the whole text must not have.
+QRegularExpressionMatch matchWholeText(const QString& text)
+{
+    QRegularExpressionMatch match = hostPortPattern().match(text);
+    if (match.hasMatch() && match.capturedLength(0) != text.size())
+        return QRegularExpressionMatch();
+    return match;
+}
+
 const QString& tcpScheme()
 {
     static const QString s_strScheme = QStringLiteral("tcp");
@@ -27,7 +36,7 @@ const QString& tcpScheme()
 
 bool isMirelTcpHostPortString(const QString& text)
 {
-    return hostPortPattern().match(text).hasMatch();
+    return matchWholeText(text).hasMatch();
 }
 
 bool isMirelTcpHostPortUrl(const QUrl& url)
@@ -39,7 +48,7 @@ bool isMirelTcpHostPortUrl(const QUrl& url)
 
 QUrl urlFromMirelTcpHostPortString(const QString& text)
 {
-    const QRegularExpressionMatch match = hostPortPattern().match(text);
+    const QRegularExpressionMatch match = matchWholeText(text);
     if (!match.hasMatch())
         return QUrl();
 
@@ -50,10 +59,16 @@ QUrl urlFromMirelTcpHostPortString(const QString& text)
     if (!ok)
         port = std::numeric_limits<int>::max();
 
-    const QString host = match.captured(1);
     QUrl url;
     url.setScheme(tcpScheme());
-    url.setHost(host.isEmpty() ? QStringLiteral("*") : host, QUrl::DecodedMode);
+    // "Any host" is an empty host: QUrl refuses "*" as a host name.
+    const QString host = match.captured(1);
+    if (!host.isEmpty() && host != QLatin1String("*")) {
+        url.setHost(host, QUrl::DecodedMode);
+        // setPort would clear the error and leave a valid URL for any host.
+        if (!url.isValid())
+            return url;
+    }
     url.setPort(port);
     return url;
 }

@@ -19,10 +19,11 @@ KVBASE_EXPORT bool isMirelTcpHostPortString(const QString& text);
 /// True for a valid URL with scheme "tcp" (exactly, lower case), no query and an empty path.
 KVBASE_EXPORT bool isMirelTcpHostPortUrl(const QUrl& url);
 
-/// The URL of a host-port string; an empty host becomes "*" (any host), and
-/// host names are lower-cased as QUrl does. No range check is made on the
-/// port: one above 65535 gives an invalid URL, whose errorString() says so.
-/// A text that is no host-port string gives an empty URL.
+/// The URL of a host-port string. An empty host or "*" (any host) gives a URL
+/// with an empty host, as QUrl refuses "*" as a host name; host names are
+/// lower-cased as QUrl does. A host QUrl refuses (e.g. "a@b") or a port above
+/// 65535 gives an invalid URL whose errorString() says why. A text that is no
+/// host-port string gives an empty URL.
 KVBASE_EXPORT QUrl urlFromMirelTcpHostPortString(const QString& text);
 
 /// "TCP:<host>:<port>" of a host-port URL, the port -1 when the URL has none;

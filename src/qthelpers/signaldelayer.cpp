@@ -1,7 +1,5 @@
 #include "qthelpers/signaldelayer.h"
 
-#include "qthelpers/actionmetatype_p.h"
-
 #include <QTimerEvent>
 
 #include <utility>
@@ -43,7 +41,6 @@ SignalDelayer* SignalDelayer::connectDelayed(ArgumentKind kind, QObject* sender,
         ownSignal = "2signalled(const QString&)";
         break;
     case ActionArgument:
-        Internal::registerActionPointerMetaType();
         ownSlot = "1onSignal(QAction*)";
         ownSignal = "2signalled(QAction*)";
         break;

@@ -32,7 +32,8 @@ public:
     /// Connects `signal` of `sender` (SIGNAL() text) through a new delayer to
     /// `slot` of `receiver` (SLOT() or SIGNAL() text), the last hop with `type`.
     /// Signature is one of void(), void(bool), void(int), void(double),
-    /// void(const QString&), void(QString) and void(QAction*). Returns null,
+    /// void(const QString&), void(QString) and void(QAction*); an action is
+    /// forwarded as a plain pointer, so it must outlive the delay. Returns null,
     /// leaving nothing behind, when an argument is null or a connection fails.
     template <typename Signature>
     static SignalDelayer* connectDelayed(QObject* sender, const char* signal, QObject* receiver,

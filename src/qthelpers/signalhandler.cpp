@@ -1,7 +1,5 @@
 #include "qthelpers/signalhandler.h"
 
-#include "qthelpers/actionmetatype_p.h"
-
 namespace QObjectHelpers {
 
 SignalHandler::SignalHandler(QObject* parent) : QObject(parent) {}
@@ -50,7 +48,6 @@ void SignalHandler::setCallable(const std::function<void(const QString&)>& calla
 
 void SignalHandler::setCallable(const std::function<void(QAction*)>& callable)
 {
-    Internal::registerActionPointerMetaType();
     m_fnAction = callable;
 }
 
