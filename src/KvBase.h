@@ -13,5 +13,9 @@
 #include "errorhandling/messagelist.h"
 #include "errorhandling/quality.h"
 #include "errorhandling/timedcall.h"
+#include "observableobserver/observable.h"
+#include "qthelpers/qurlhelpers.h"
+#include "qthelpers/signaldelayer.h"
+#include "qthelpers/signalhandler.h"
 
 #endif

@@ -1,6 +1,7 @@
 #include "errorhandling/errorhandler.h"
 
 #include "errorhandling/qualitylock_p.h"
+#include "qthelpers/signalhandler.h"
 #include <QCoreApplication>
 #include <QDir>
 
@@ -246,9 +247,13 @@ void ErrorHandler::SetMessageDlg(std::unique_ptr<IMessageDialog> dialog)
     QCoreApplication* app = QCoreApplication::instance();
     if (s_MessageDlgLifetimeHandler || !app)
         return;
-    auto watcher = std::make_unique<QObject>();
-    QObject::connect(app, &QCoreApplication::aboutToQuit, watcher.get(), [] { s_MessageDlg.reset(); });
-    s_MessageDlgLifetimeHandler = std::move(watcher);
+    QObject* watcher = QObjectHelpers::SignalHandler::connectHandler<void()>(
+        app, SIGNAL(aboutToQuit()), [] { s_MessageDlg.reset(); }, nullptr, Qt::AutoConnection);
+    if (!watcher)
+        return;
+    // Kept apart from the application object, so it outlives it at exit.
+    watcher->setParent(nullptr);
+    s_MessageDlgLifetimeHandler.reset(watcher);
 }
 
 void ErrorHandler::AddUncaughtHandler(std::function<void()> handler)
