@@ -165,13 +165,15 @@ unsigned long BandGSM::GetNextValidChannel(unsigned long channel, bool up, bool 
     // counter, and a band without any non-empty sub-band returns the channel as is.
     if (up) {
         bool found = false;
+        bool any = false;
         unsigned long next = 0;
         unsigned long lowest = 0;
         for (const SubBandGSM& sub : m_SubBands) {
             if (sub.m_nStartChannel > sub.m_nStopChannel)
                 continue;
-            if (!found || sub.m_nStartChannel < lowest)
+            if (!any || sub.m_nStartChannel < lowest)
                 lowest = sub.m_nStartChannel;
+            any = true;
             if (sub.m_nStopChannel >= channel) {
                 const unsigned long candidate = std::max(sub.m_nStartChannel, channel);
                 if (!found || candidate < next)
@@ -181,10 +183,7 @@ unsigned long BandGSM::GetNextValidChannel(unsigned long channel, bool up, bool 
         }
         if (found)
             return next;
-        return std::any_of(m_SubBands.cbegin(), m_SubBands.cend(),
-                           [](const SubBandGSM& sub) { return sub.m_nStartChannel <= sub.m_nStopChannel; })
-                   ? lowest
-                   : channel;
+        return any ? lowest : channel;
     }
     if (!down) {
         unsigned long nearest = 0;
