@@ -272,8 +272,6 @@ void TestBand::read_data()
                                              << "type" << QVariant(1);
     QTest::newRow("spacing 0 means 10 kHz") << true << "<Channelspacing>0</Channelspacing>"
                                             << "step" << QVariant(10000.0);
-    QTest::newRow("an empty spacing means 10 kHz") << true << "<Channelspacing/>"
-                                                   << "step" << QVariant(10000.0);
     QTest::newRow("a decimal comma is malformed") << true << "<Channelspacing>12,5</Channelspacing>"
                                                   << "step" << QVariant(10000.0);
     QTest::newRow("an overflowing spacing reads as infinity")
@@ -285,17 +283,11 @@ void TestBand::read_data()
                                                 << "stop" << QVariant(qulonglong(4294967295u));
     QTest::newRow("a channel beyond 32 bits reads as 0") << true << "<StopChannel>4294967296</StopChannel>"
                                                          << "stop" << zero;
-    QTest::newRow("a negative channel reads as 0") << true << "<StartChannel>-1</StartChannel>"
-                                                   << "start" << zero;
-    QTest::newRow("a channel with trailing junk reads as 0") << true << "<StartChannel>12abc</StartChannel>"
-                                                             << "start" << zero;
     QTest::newRow("an unparsable start frequency reads as 0")
         << true << "<StartFrequency>abc</StartFrequency>"
         << "startFreq" << QVariant(0.0);
     QTest::newRow("UseRaster must be exactly 1") << true << "<UseRaster>true</UseRaster>"
                                                  << "raster" << QVariant(false);
-    QTest::newRow("a negative offset") << true << "<Offset>-5000.25</Offset>"
-                                       << "offset" << QVariant(-5000.25);
     QTest::newRow("unknown tags are skipped") << true << "<Foo>1</Foo><Name>n</Name>"
                                               << "name" << QVariant("n");
     QTest::newRow("absent elements leave the field") << true << "<Name>n</Name>"
@@ -306,8 +298,6 @@ void TestBand::read_data()
     QTest::newRow("a comment stops the reading")
         << true << "<Name>a</Name><!--x--><StopChannel>20</StopChannel>"
         << "stop" << QVariant(qulonglong(2));
-    QTest::newRow("what came before a comment stays") << true << "<Name>a</Name><!--x-->"
-                                                      << "name" << QVariant("a");
     QTest::newRow("a leading text stops the reading") << true << "text<Name>a</Name>"
                                                       << "name" << QVariant("seed");
     QTest::newRow("CDATA stops the reading") << true << "<![CDATA[x]]><Name>a</Name>"
@@ -356,6 +346,7 @@ void TestBand::readTracesNonElements()
     QVERIFY(newest().startsWith(QStringLiteral("@marker@")));
 
     readInto(band, QStringLiteral("<Name>b</Name><!--x-->"));
+    QCOMPARE(band.GetName(), QStringLiteral("b"));
     QTRY_VERIFY(newest().startsWith(trace));
 
     const unsigned int mask = handler.GetMessageMask();

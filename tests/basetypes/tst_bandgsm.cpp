@@ -134,7 +134,6 @@ void TestBandGSM::tableFallbacks()
     GSM gsm;
     QCOMPARE(gsm.GetCount(), 12u);
     QVERIFY(gsm.GetBand(12) == gsm.GetBand(0));
-    QVERIFY(gsm.GetBand(std::numeric_limits<unsigned int>::max()) == gsm.GetBand(0));
     QCOMPARE(gsm.Channel2Frequency(1, static_cast<GSM::EGSMBand>(12)), -1.0);
     QCOMPARE(gsm.Channel2Frequency(1, static_cast<GSM::EGSMBand>(-1)), -1.0);
     QCOMPARE(gsm.Channel2Frequency(500, GSM::GSM900Up), 0.0);
@@ -167,8 +166,6 @@ void TestBandGSM::bcchBand_data()
     QTest::newRow("GSM900 Up falls back to GSM900 Down") << 0 << 1;
     QTest::newRow("a downlink carries its own BCCH") << 5 << 5;
     QTest::newRow("GSM1900 Up uses GSM1900 Down") << 4 << 5;
-    QTest::newRow("GSM850 Up uses GSM850 Down") << 10 << 11;
-    QTest::newRow("the last downlink is itself") << 11 << 11;
     QTest::newRow("index 12 falls back") << 12 << 1;
     QTest::newRow("a negative index falls back") << -1 << 1;
     QTest::newRow("the most negative index falls back") << std::numeric_limits<int>::min() << 1;
@@ -190,26 +187,26 @@ void TestBandGSM::channelForFrequencyRounding_data()
     const GSM gsm;
     const BandGSM dcs = gsm.GetBand(GSM::GSM1800Up);
     const BandGSM egsm = gsm.GetBand(GSM::GSM900Up);
+    BandGSM finer = egsm;
+    finer.SetStepWidth(100000.0);
     // Channel n at 1 MHz + n kHz, channels 0..100.
     const BandGSM kilo(QStringLiteral("kilo"), 1000.0, 1e6, 0, 100, 0);
-    const double inf = std::numeric_limits<double>::infinity();
-    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = qInf();
 
     QTest::newRow("single part rounds half up") << dcs << 1710300000.0 << 513ul;
     QTest::newRow("single part rounds down below half") << dcs << 1710299999.0 << 512ul;
     QTest::newRow("multi part truncates instead of rounding") << egsm << 890399999.0 << 1ul;
+    QTest::newRow("a sub-band's lower edge uses the band's step width") << finer << 880.2e6 << 0ul;
+    QTest::newRow("a sub-band's upper edge uses its own step width") << finer << 889.85e6 << 0ul;
     QTest::newRow("multi part gives 0 in its gap") << egsm << 889900000.0 << 0ul;
     QTest::newRow("multi part gives 0 above it") << egsm << 915000000.0 << 0ul;
     QTest::newRow("single part is not range checked") << dcs << 1900000000.0 << 1461ul;
     QTest::newRow("-0.5 channels rounds up to 0") << kilo << 999500.0 << 0ul;
     QTest::newRow("-1.4 channels wraps to 2^32 - 1") << kilo << 998600.0 << 4294967295ul;
     QTest::newRow("-1.6 channels wraps to 2^32 - 2") << kilo << 998400.0 << 4294967294ul;
-    QTest::newRow("NaN gives 0") << kilo << nan << 0ul;
+    QTest::newRow("NaN gives 0") << kilo << qQNaN() << 0ul;
     QTest::newRow("infinity saturates at 2^32 - 1") << kilo << inf << 4294967295ul;
-    QTest::newRow("1e300 saturates at 2^32 - 1") << kilo << 1e300 << 4294967295ul;
     QTest::newRow("minus infinity saturates at 2^31") << kilo << -inf << 2147483648ul;
-    QTest::newRow("NaN in a multi part band gives 0") << egsm << nan << 0ul;
-    QTest::newRow("zero step width divides to infinity") << BandGSM() << 5.0 << 4294967295ul;
 }
 
 void TestBandGSM::channelForFrequencyRounding()
@@ -300,9 +297,6 @@ void TestBandGSM::channelRangeWithinFreqRange()
     QVERIFY(dcs.GetChannelRangeWithinFreqRange(first, last, 1720e6, 1730e6));
     QCOMPARE(first, 561);
     QCOMPARE(last, 611);
-    QVERIFY(dcs.GetChannelRangeWithinFreqRange(first, last, 1719.9e6, 1730.1e6));
-    QCOMPARE(first, 561);
-    QCOMPARE(last, 611);
     QVERIFY(dcs.GetChannelRangeWithinFreqRange(first, last, 1e9, 3e9));
     QCOMPARE(first, 512);
     QCOMPARE(last, 885);
@@ -317,11 +311,6 @@ void TestBandGSM::channelRangeWithinFreqRange()
     TypedBand plain(QStringLiteral("plain"), 1000.0, 1e6, 10, 100, 10);
     plain.setType(BandGSM::FrequencyBand);
     QVERIFY(plain.GetChannelRangeWithinFreqRange(first, last, 1.05e6, 1.06e6));
-    QCOMPARE(first, 10);
-    QCOMPARE(last, 100);
-
-    const BandGSM broken(QStringLiteral("NaN"), qQNaN(), 1e6, 10, 100, 10);
-    QVERIFY(broken.GetChannelRangeWithinFreqRange(first, last, 1.05e6, 1.06e6));
     QCOMPARE(first, 10);
     QCOMPARE(last, 100);
 }
