@@ -2,7 +2,11 @@
 #define KVBASE_KVBASE_H
 
 // Every public header of KvBase.
+#include "basetypes/clock.h"
 #include "basetypes/enumhelpers.h"
+#include "basetypes/numberhelpers.h"
+#include "basetypes/timestamp2qstring.h"
+#include "basetypes/units.h"
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/kvexception.h"
 #include "errorhandling/kvtextfile.h"
