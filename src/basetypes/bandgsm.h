@@ -3,6 +3,7 @@
 
 #include "kvbase_export.h"
 
+#include <QMetaType>
 #include <QString>
 #include <QVector>
 
@@ -120,5 +121,7 @@ public:
     SubBandGSM& operator=(const SubBandGSM& other);
     ~SubBandGSM() override;
 };
+
+Q_DECLARE_METATYPE(BandGSM)
 
 #endif

@@ -28,7 +28,6 @@ public:
 } // namespace
 
 Q_DECLARE_METATYPE(Stretches)
-Q_DECLARE_METATYPE(BandGSM)
 
 class TestBandGSM : public QObject
 {
