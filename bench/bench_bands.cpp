@@ -14,7 +14,7 @@ struct Carrier
 };
 
 // Every valid channel of the twelve rows, with its frequency.
-std::vector<Carrier> allCarriers(const GSM& gsm)
+std::vector<Carrier> allCarriers(GSM& gsm)
 {
     std::vector<Carrier> carriers;
     for (unsigned int index = 0; index < gsm.GetCount(); ++index) {
@@ -31,7 +31,7 @@ std::vector<Carrier> allCarriers(const GSM& gsm)
 
 void BM_ChannelToFrequency(benchmark::State& state)
 {
-    const GSM gsm;
+    GSM gsm;
     const std::vector<Carrier> carriers = allCarriers(gsm);
     for (auto _ : state) {
         for (const Carrier& c : carriers)
@@ -43,7 +43,7 @@ BENCHMARK(BM_ChannelToFrequency);
 
 void BM_ChannelToFrequencyOnBand(benchmark::State& state)
 {
-    const GSM gsm;
+    GSM gsm;
     const std::vector<Carrier> carriers = allCarriers(gsm);
     std::vector<Band> bands;
     for (unsigned int index = 0; index < gsm.GetCount(); ++index)
@@ -58,7 +58,7 @@ BENCHMARK(BM_ChannelToFrequencyOnBand);
 
 void BM_FrequencyToChannel(benchmark::State& state)
 {
-    const GSM gsm;
+    GSM gsm;
     const std::vector<Carrier> carriers = allCarriers(gsm);
     std::vector<Band> bands;
     for (unsigned int index = 0; index < gsm.GetCount(); ++index)
@@ -73,7 +73,7 @@ BENCHMARK(BM_FrequencyToChannel);
 
 void BM_FindFrequency(benchmark::State& state)
 {
-    const GSM gsm;
+    GSM gsm;
     const std::vector<Carrier> carriers = allCarriers(gsm);
     std::vector<Band> bands;
     for (unsigned int index = 0; index < gsm.GetCount(); ++index)

@@ -2,8 +2,11 @@
 #define KVBASE_KVBASE_H
 
 // Every public header of KvBase.
+#include "basetypes/band.h"
+#include "basetypes/bandgsm.h"
 #include "basetypes/clock.h"
 #include "basetypes/enumhelpers.h"
+#include "basetypes/gsm.h"
 #include "basetypes/numberhelpers.h"
 #include "basetypes/timestamp2qstring.h"
 #include "basetypes/units.h"

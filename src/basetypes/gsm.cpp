@@ -82,13 +82,12 @@ bool GSM::GetDefinition(unsigned int index, QString& name, double& stepWidth, do
     return true;
 }
 
-double GSM::Channel2Frequency(unsigned long channel, EGSMBand band) const
+double GSM::Channel2Frequency(unsigned long channel, EGSMBand band)
 {
     const auto index = static_cast<unsigned int>(band);
     if (index >= kBandCount)
         return -1.0;
-    BandGSM row = m_Bands[index];
-    return row.GetFrequency(channel);
+    return m_Bands[index].GetFrequency(channel, 0.0);
 }
 
 int GSM::GetBcchBandForBand(int band)

@@ -44,10 +44,10 @@ public:
     bool GetDefinition(unsigned int index, QString& name, double& stepWidth, double& startFreq,
                        unsigned long& startChannel, unsigned long& stopChannel) const;
     /// Frequency in Hz of `channel` in `band`: 0.0 for a channel outside GSM900's two
-    /// parts, −1.0 for a band of 12 or more. Works on a copy of the row, so the table
-    /// never changes and a channel below a row's start channel answers as for the
-    /// row's stored channel value 0 (1607.8 MHz for GSM1800 Up).
-    double Channel2Frequency(unsigned long channel, EGSMBand band) const;
+    /// parts, −1.0 for a band of 12 or more. Converts on the row itself, so the row
+    /// remembers the channel (see BandGSM::GetFrequency): a channel below a row's start
+    /// channel answers with the frequency of the last channel the row accepted.
+    double Channel2Frequency(unsigned long channel, EGSMBand band);
     /// The downlink band carrying the BCCH for `band`: downlinks map to themselves,
     /// uplinks 2..10 to their downlink, anything else (GSM900 Up included) to 1.
     static int GetBcchBandForBand(int band);

@@ -89,7 +89,7 @@ void TestBandGSM::standardChannelNumbering()
     QFETCH(qint64, baseKHz);
     QFETCH(Stretches, stretches);
 
-    const GSM gsm;
+    GSM gsm;
     const auto plan = static_cast<GSM::EGSMBand>(band);
     const Band row = gsm.GetBand(band);
     QCOMPARE(row.GetName(), name);
@@ -183,7 +183,7 @@ void TestBandGSM::channelForFrequencyRounding_data()
     QTest::addColumn<double>("frequency");
     QTest::addColumn<unsigned long>("channel");
 
-    const GSM gsm;
+    GSM gsm;
     const BandGSM dcs = gsm.GetBand(GSM::GSM1800Up);
     const BandGSM egsm = gsm.GetBand(GSM::GSM900Up);
     BandGSM finer = egsm;
@@ -226,11 +226,13 @@ void TestBandGSM::storedChannelValue()
     QCOMPARE(dcs.GetFrequency(3), 1727800000.0);
     QCOMPARE(dcs.GetChannelValue(), 600ul);
 
-    // The table itself keeps channel value 0 whatever was converted before.
-    const GSM gsm;
-    QCOMPARE(gsm.Channel2Frequency(600, GSM::GSM1800Up), 1727800000.0);
+    // The table's own rows remember the last converted channel too.
+    GSM gsm;
     QCOMPARE(gsm.Channel2Frequency(3, GSM::GSM1800Up), 1710200000.0 - 512 * 200000.0);
-    QCOMPARE(gsm.GetBand(GSM::GSM1800Up).GetChannelValue(), 0ul);
+    QCOMPARE(gsm.Channel2Frequency(600, GSM::GSM1800Up), 1727800000.0);
+    QCOMPARE(gsm.Channel2Frequency(3, GSM::GSM1800Up), 1727800000.0);
+    QCOMPARE(gsm.GetBand(GSM::GSM1800Up).GetChannelValue(), 600ul);
+    QCOMPARE(GSM().GetBand(GSM::GSM1800Up).GetChannelValue(), 0ul);
 
     BandGSM egsm = gsm.GetBand(GSM::GSM900Up);
     QCOMPARE(egsm.GetFrequency(1023), 889800000.0);
@@ -252,7 +254,7 @@ void TestBandGSM::nextValidChannel_data()
     QTest::addColumn<bool>("down");
     QTest::addColumn<unsigned long>("next");
 
-    const GSM gsm;
+    GSM gsm;
     const BandGSM egsm = gsm.GetBand(GSM::GSM900Up);
     const BandGSM dcs = gsm.GetBand(GSM::GSM1800Up);
     BandGSM even(QStringLiteral("gap of 9"), 1000.0, 1e6, 0, 10, 0);
@@ -363,7 +365,7 @@ void TestBandGSM::subBandsWidenTheEnvelope()
 
 void TestBandGSM::equality()
 {
-    const GSM gsm;
+    GSM gsm;
     BandGSM a = gsm.GetBand(GSM::GSM900Up);
     TypedBand b(QStringLiteral("GSM900 Up"), 200000.0, 890e6, 0, 124, 0);
     b.AddSubBand(200000.0, 890e6, 955, 1023, 1024);
