@@ -1,0 +1,74 @@
+#ifndef KVBASE_COORD_SWEDISHGRIDS_H
+#define KVBASE_COORD_SWEDISHGRIDS_H
+
+#include "kvbase_export.h"
+
+#include "coord/merccoordtrans.h"
+
+#include <QString>
+
+/// Gauss conformal (transverse Mercator) projection with Krueger's series to n^4,
+/// configured by the name of a Swedish parameter set: "rt90_7.5_gon_v" ...
+/// "rt90_5.0_gon_o" (direct projection from GRS 80), "bessel_rt90_..." (classic RT90 on
+/// Bessel 1841), "sweref_99_tm" and the twelve local "sweref_99_hhmm" zones.
+/// Latitude and longitude in degrees on the set's ellipsoid, x (northing) and y
+/// (easting) in metres. Better than 1 mm within 20 degrees of the central meridian.
+/// A value type; reentrant.
+class KVBASE_EXPORT GaussKrugerProjection
+{
+public:
+    /// GRS 80, no parameter set chosen yet (every result is meaningless until one is).
+    GaussKrugerProjection();
+    explicit GaussKrugerProjection(const QString& parameterSet);
+
+    /// Chooses a set by its exact name. An unknown name keeps axis, flattening, scale
+    /// and false origin and sets the central meridian to the lowest double, so that
+    /// later results are meaningless (geodeticToGrid/gridToGeodetic then mostly fail).
+    void setParameterSet(const QString& name);
+    /// Chooses the rt90_ set of RT90 zone index 0 (7.5 gon V) to 5 (5.0 gon O);
+    /// every other index chooses "rt90_2.5_gon_v".
+    void setRt90Zone(int zoneIndex);
+    /// The rt90_ set name of an RT90 zone index, as setRt90Zone chooses it.
+    static QString rt90ZoneName(int zoneIndex);
+
+    /// Grid values of a position; false (x, y untouched) for non-finite input or results.
+    bool geodeticToGrid(double lat, double lon, double& x, double& y) const;
+    /// Position of grid values; false (lat, lon untouched) for non-finite input or results.
+    bool gridToGeodetic(double x, double y, double& lat, double& lon) const;
+
+    double axis() const { return m_dAxis; }                       ///< semi-major axis, metres
+    double flattening() const { return m_dFlattening; }           ///< flattening
+    double centralMeridian() const { return m_dCentralMeridian; } ///< degrees
+    double scale() const { return m_dScale; }                     ///< scale on the central meridian
+    double falseNorthing() const { return m_dFalseNorthing; }     ///< metres
+    double falseEasting() const { return m_dFalseEasting; }       ///< metres
+    /// RT90 zone index given to setRt90Zone, -1 when the set was chosen by name.
+    int zoneIndex() const { return m_nZoneIndex; }
+
+private:
+    double m_dAxis;
+    double m_dFlattening;
+    double m_dCentralMeridian;
+    double m_dScale;
+    double m_dFalseNorthing;
+    double m_dFalseEasting;
+    int m_nZoneIndex;
+};
+
+/// RT90 text of a WGS-84 position (degrees) for format 4: "rt90_2.5_gon_v" (X northing,
+/// Y easting) as "X%011.3fY%011.3f", e.g. "X6580822.000Y1628288.000". Returns 0, or
+/// non-zero with out empty for another format or a position outside -90..90/-180..180.
+KVBASE_EXPORT int CoordToRT90String(QString& out, double lon, double lat, TCoordFormat format);
+
+/// SWEREF99 text of a WGS-84 position (degrees) for format 5: longitude ";" latitude in
+/// degrees, shortest "g" form, e.g. "18.0686;59.3293". Returns 0; non-zero with out
+/// empty for another format or a non-finite value.
+KVBASE_EXPORT int CoordToSWEREF99String(QString& out, double lon, double lat, TCoordFormat format);
+
+/// Reads a text back into WGS-84 degrees: format 4 the RT90 text of CoordToRT90String,
+/// also without dots (seven integer and three decimal digits per axis) and with blanks
+/// between the axes; format 5 the "lon;lat" text; format 1 an MGRS reference as
+/// CMercCoordTrans::GR2LL reads it. Returns 0, or non-zero with lon and lat untouched.
+KVBASE_EXPORT int StringToCoord(QString& text, double* lon, double* lat, TCoordFormat format);
+
+#endif // KVBASE_COORD_SWEDISHGRIDS_H

@@ -1,0 +1,39 @@
+#ifndef KVBASE_COORD_UTM_H
+#define KVBASE_COORD_UTM_H
+
+#include "kvbase_export.h"
+
+#include <QString>
+
+/// One row of the reference ellipsoid table of LLtoUTM/UTMtoLL.
+struct UtmEllipsoid
+{
+    const char* name;           ///< e.g. "WGS-84" (Latin-1)
+    double equatorialRadius;    ///< semi-major axis in metres
+    double eccentricitySquared; ///< first eccentricity squared
+};
+
+/// Rows of the ellipsoid table: index 0 is a placeholder, 1 "Airy" to 23 "WGS-84".
+constexpr int UtmEllipsoidCount = 24;
+
+/// The ellipsoid of the given index (0 to 23), or nullptr outside the table.
+KVBASE_EXPORT const UtmEllipsoid* GetUtmEllipsoid(int ellipsoid);
+
+/// Plain UTM (scale 0.9996, false easting 500000 m, false northing 10000000 m south
+/// of the equator) on the ellipsoid of the given index (1 to 23, 23 = WGS-84), with
+/// the Norwegian and Svalbard zone exceptions. Latitude and longitude in degrees, the
+/// longitude is wrapped into -180..180. Northing and easting in metres; zone is the
+/// number and latitude band letter, e.g. "32V" ("Z" as band outside -80..84).
+/// Good to about 1 mm within the zone. Reentrant.
+/// Invalid input (unknown ellipsoid, latitude outside -90..90, NaN, infinity) gives
+/// northing and easting -1.0 and a zone text starting with "#".
+KVBASE_EXPORT void LLtoUTM(int ellipsoid, double lat, double lon, double& northing, double& easting,
+                           QString& zone);
+
+/// The inverse of LLtoUTM: zone text as LLtoUTM writes it (number 1 to 60 and band
+/// letter; "N" to "X" are northern); lat and lon in degrees. Invalid input (unknown
+/// ellipsoid, unreadable zone, NaN, infinity) gives lat and lon -1.0.
+KVBASE_EXPORT void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, double& lat,
+                           double& lon);
+
+#endif // KVBASE_COORD_UTM_H

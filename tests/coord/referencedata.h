@@ -1,0 +1,29 @@
+#ifndef KVBASE_TESTS_COORD_REFERENCEDATA_H
+#define KVBASE_TESTS_COORD_REFERENCEDATA_H
+
+#include <QFile>
+#include <QList>
+#include <QStringList>
+
+#include <limits>
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInf = std::numeric_limits<double>::infinity();
+
+// Rows of a committed reference file in tests/data/coord (made by make_reference.py
+// there with PROJ and GeographicLib), split at blanks; comment lines start with "#".
+inline QList<QStringList> referenceRows(const char* file)
+{
+    QList<QStringList> rows;
+    QFile f(QStringLiteral(KVBASE_TEST_DATA_DIR "/coord/") + QLatin1String(file));
+    if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
+        qFatal("missing reference data %s", file);
+    while (!f.atEnd()) {
+        const QString line = QString::fromLatin1(f.readLine()).trimmed();
+        if (!line.isEmpty() && !line.startsWith(QLatin1Char('#')))
+            rows << line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    }
+    return rows;
+}
+
+#endif // KVBASE_TESTS_COORD_REFERENCEDATA_H
