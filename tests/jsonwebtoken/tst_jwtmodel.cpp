@@ -91,6 +91,7 @@ void TestJwtModel::enumerationTables()
     for (auto value : VerificationError::values())
         QCOMPARE(VerificationError::toDisplayString(value), VerificationError::toString(value));
     QCOMPARE(&SignatureAlgorithm::values(), &SignatureAlgorithm::values());
+    QCOMPARE(SignatureAlgorithm::fromString(QStringLiteral("hs5"), nullptr), SignatureAlgorithm::HS512);
 
     QVERIFY(SignatureAlgorithm::toString(SignatureAlgorithm::Type(4)).isNull());
     QVERIFY(HeaderParameter::toString(HeaderParameter::Type(-1)).isNull());
@@ -123,7 +124,6 @@ void TestJwtModel::fromString()
     QFETCH(QString, parsed);
     QFETCH(QString, expected);
     QCOMPARE(parsed, expected);
-    QCOMPARE(SignatureAlgorithm::fromString(QStringLiteral("hs5"), nullptr), SignatureAlgorithm::HS512);
 }
 
 void TestJwtModel::defaultHeaderSegment()
