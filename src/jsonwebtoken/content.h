@@ -15,7 +15,8 @@ struct Content
 };
 
 /// Turns values of type T into TContent (normally Content) and back. An
-/// implementation states its contract name; `ok`, where taken, may be null.
+/// implementation states its contract name and its thread rules; `ok`, where
+/// taken, may be null.
 template <typename T, typename TContent>
 class ISerializer
 {

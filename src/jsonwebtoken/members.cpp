@@ -36,7 +36,7 @@ qint64 secondsFromDouble(double value)
 
 qint64 secondsFromVariant(const QVariant& stored)
 {
-    switch (int(stored.type())) {
+    switch (stored.userType()) {
     case QMetaType::LongLong:
         return clampSeconds(stored.toLongLong());
     case QMetaType::Double:
