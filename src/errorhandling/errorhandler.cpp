@@ -1,8 +1,9 @@
 #include "errorhandling/errorhandler.h"
 
+#include "errorhandling/qualitylock_p.h"
+#include "qthelpers/signalhandler.h"
 #include <QCoreApplication>
 #include <QDir>
-#include <QMutexLocker>
 
 std::unique_ptr<IMessageDialog> ErrorHandler::s_MessageDlg;
 std::unique_ptr<ILogTracer> ErrorHandler::s_LogTracer;
@@ -51,7 +52,7 @@ ErrorHandler::~ErrorHandler() = default;
 void ErrorHandler::ProtocolMessage(QString reason, QString fileName, QString className, QString methodName,
                                    std::uint16_t line, std::uint8_t level)
 {
-    QMutexLocker locker(m_pQualityMutex.get());
+    QualityLock locker(m_pQualityMutex.get());
     Q_EMIT si_protocolMessage(reason, fileName, className, methodName, line, level);
 }
 
@@ -70,7 +71,7 @@ void ErrorHandler::Log(const KvException& e, unsigned char level)
 {
     // ProtocolException records in the caller's thread while queued messages
     // are recorded in the handler's; the quality mutex keeps them apart.
-    QMutexLocker locker(m_pQualityMutex.get());
+    QualityLock locker(m_pQualityMutex.get());
     if (m_bBlockExceptions)
         return;
     if (!m_bConfigured)
@@ -236,7 +237,7 @@ IMessageDialog* ErrorHandler::GetMessageDlg()
 
 void ErrorHandler::SetLogTracer(std::unique_ptr<ILogTracer> tracer)
 {
-    QMutexLocker locker(Instance().GetQualityMutex());
+    QualityLock locker(Instance().GetQualityMutex());
     s_LogTracer = std::move(tracer);
 }
 
@@ -246,9 +247,13 @@ void ErrorHandler::SetMessageDlg(std::unique_ptr<IMessageDialog> dialog)
     QCoreApplication* app = QCoreApplication::instance();
     if (s_MessageDlgLifetimeHandler || !app)
         return;
-    auto watcher = std::make_unique<QObject>();
-    QObject::connect(app, &QCoreApplication::aboutToQuit, watcher.get(), [] { s_MessageDlg.reset(); });
-    s_MessageDlgLifetimeHandler = std::move(watcher);
+    QObject* watcher = QObjectHelpers::SignalHandler::connectHandler<void()>(
+        app, SIGNAL(aboutToQuit()), [] { s_MessageDlg.reset(); }, nullptr, Qt::AutoConnection);
+    if (!watcher)
+        return;
+    // Kept apart from the application object, so it outlives it at exit.
+    watcher->setParent(nullptr);
+    s_MessageDlgLifetimeHandler.reset(watcher);
 }
 
 void ErrorHandler::AddUncaughtHandler(std::function<void()> handler)

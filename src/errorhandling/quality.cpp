@@ -4,7 +4,7 @@
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/kvexception.h"
 
-#include <QMutexLocker>
+#include "errorhandling/qualitylock_p.h"
 
 #include <atomic>
 
@@ -19,7 +19,7 @@ void reportContractFailure(const QString& reason, const wchar_t* fileName, const
                            unsigned short line)
 {
     ErrorHandler& handler = ErrorHandler::Instance();
-    QMutexLocker locker(handler.GetQualityMutex());
+    QualityLock locker(handler.GetQualityMutex());
     KvException exception(reason, fromWide(fileName), className, QString(), line, 0xFFFFFFFF);
     IErrorHandler* errorHandler = ErrorHandler::Interface();
     errorHandler->ProtocolException(exception);
@@ -66,7 +66,7 @@ void _Q_Trace(const QString& text, const QString& fileName, unsigned short line)
     constexpr int maxPieces = 5;
 
     ErrorHandler& handler = ErrorHandler::Instance();
-    QMutexLocker locker(handler.GetQualityMutex());
+    QualityLock locker(handler.GetQualityMutex());
     const QString noName;
     if (text.size() <= maxMessageLength) {
         handler.ProtocolMessage(text, fileName, noName, noName, line, 3);

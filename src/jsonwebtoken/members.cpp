@@ -1,0 +1,130 @@
+#include "jsonwebtoken/members_p.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QJsonParseError>
+#include <QJsonValue>
+
+#include <cmath>
+#include <limits>
+
+namespace jsonWebToken {
+namespace Members {
+
+namespace {
+
+// Seconds whose milliseconds still fit a qint64: the range of QDateTime.
+constexpr qint64 maxSeconds = std::numeric_limits<qint64>::max() / 1000;
+
+qint64 clampSeconds(qint64 seconds)
+{
+    return qBound(-maxSeconds, seconds, maxSeconds);
+}
+
+// QVariant::toLongLong rounds doubles with qRound64, which is undefined for
+// NaN and for values beyond qint64; those are handled here before the cast.
+qint64 secondsFromDouble(double value)
+{
+    if (std::isnan(value))
+        return 0;
+    if (value >= double(maxSeconds))
+        return maxSeconds;
+    if (value <= -double(maxSeconds))
+        return -maxSeconds;
+    return qRound64(value);
+}
+
+qint64 secondsFromVariant(const QVariant& stored)
+{
+    switch (stored.userType()) {
+    case QMetaType::LongLong:
+        return clampSeconds(stored.toLongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return secondsFromDouble(stored.toDouble());
+    case QMetaType::QJsonValue: {
+        const QJsonValue json = stored.toJsonValue();
+        if (json.isDouble())
+            return secondsFromDouble(json.toDouble());
+        break;
+    }
+    default:
+        break;
+    }
+    bool ok = false;
+    const qint64 seconds = stored.toLongLong(&ok);
+    return ok ? clampSeconds(seconds) : 0;
+}
+
+} // namespace
+
+QVariant toStored(const QString& value)
+{
+    return QVariant(value);
+}
+
+QVariant toStored(const QStringList& value)
+{
+    return QVariant(value);
+}
+
+QVariant toStored(SignatureAlgorithm::Type value)
+{
+    return QVariant(SignatureAlgorithm::toString(value));
+}
+
+QVariant toStored(const QDateTime& value)
+{
+    // C++ division truncates toward zero, which is the rounding NumericDate readers expect.
+    return QVariant(qint64(value.toMSecsSinceEpoch() / 1000));
+}
+
+template <>
+QString fromStored<QString>(const QVariant& stored)
+{
+    return stored.toString();
+}
+
+template <>
+QStringList fromStored<QStringList>(const QVariant& stored)
+{
+    return stored.toStringList();
+}
+
+template <>
+SignatureAlgorithm::Type fromStored<SignatureAlgorithm::Type>(const QVariant& stored)
+{
+    return SignatureAlgorithm::fromString(stored.toString(), nullptr);
+}
+
+template <>
+QDateTime fromStored<QDateTime>(const QVariant& stored)
+{
+    return QDateTime::fromMSecsSinceEpoch(secondsFromVariant(stored) * 1000, Qt::UTC);
+}
+
+QByteArray encode(const Map& members)
+{
+    return QJsonDocument(QJsonObject::fromVariantMap(members))
+        .toJson(QJsonDocument::Compact)
+        .toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+}
+
+boost::optional<Map> decode(const QByteArray& segment)
+{
+    // The standard alphabet although encode() writes base64url: "-" and "_"
+    // are skipped rather than rejected, and the applications exchanging these
+    // tokens depend on exactly that reading, so it must not be "fixed".
+    const QByteArray json = QByteArray::fromBase64(segment);
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError)
+        return boost::none;
+    const QJsonObject object = document.object();
+    if (object.isEmpty())
+        return boost::none;
+    return object.toVariantMap();
+}
+
+} // namespace Members
+} // namespace jsonWebToken

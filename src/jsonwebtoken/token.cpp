@@ -1,0 +1,181 @@
+#include "jsonwebtoken/token.h"
+
+#include <QMessageAuthenticationCode>
+
+#include <exception>
+
+namespace jsonWebToken {
+
+namespace {
+
+const QByteArray& separator()
+{
+    static const QByteArray dot(1, '.');
+    return dot;
+}
+
+// Every byte is looked at whatever the first difference, so the time taken
+// tells an attacker nothing about how much of a forged MAC was right. The
+// length is not secret: it follows from the algorithm.
+bool equalInConstantTime(const QByteArray& a, const QByteArray& b)
+{
+    if (a.size() != b.size())
+        return false;
+    const char* pa = a.constData();
+    const char* pb = b.constData();
+    volatile unsigned char difference = 0;
+    for (int i = 0; i < a.size(); ++i)
+        difference |= static_cast<unsigned char>(pa[i] ^ pb[i]);
+    return difference == 0;
+}
+
+} // namespace
+
+Token::Token() = default;
+Token::Token(const Token& other) = default;
+Token::Token(Token&& other) noexcept = default;
+Token& Token::operator=(const Token& other) = default;
+Token& Token::operator=(Token&& other) noexcept = default;
+Token::~Token() = default;
+
+bool Token::operator==(const Token& other) const
+{
+    return m_signature == other.m_signature && m_header == other.m_header && m_payload == other.m_payload;
+}
+
+bool Token::operator!=(const Token& other) const
+{
+    return !(*this == other);
+}
+
+Token& Token::setHeader(Header header)
+{
+    m_header = std::move(header);
+    m_headerSegment = boost::none;
+    return *this;
+}
+
+Token& Token::setPayload(Payload payload)
+{
+    m_payload = std::move(payload);
+    m_payloadSegment = boost::none;
+    return *this;
+}
+
+Token& Token::setSignature(QByteArray signature)
+{
+    m_signature = std::move(signature);
+    m_signatureSegment = boost::none;
+    return *this;
+}
+
+const QByteArray& Token::headerAsBase64() const
+{
+    if (!m_headerSegment)
+        m_headerSegment = m_header.value();
+    return *m_headerSegment;
+}
+
+const QByteArray& Token::payloadAsBase64() const
+{
+    if (!m_payloadSegment)
+        m_payloadSegment = m_payload.value();
+    return *m_payloadSegment;
+}
+
+const QByteArray& Token::signatureAsBase64() const
+{
+    if (!m_signatureSegment)
+        m_signatureSegment =
+            m_signature.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+    return *m_signatureSegment;
+}
+
+QByteArray Token::calcSignature(const QByteArray& key, SignatureAlgorithm::Type algorithm) const
+{
+    QCryptographicHash::Algorithm hash;
+    switch (algorithm) {
+    case SignatureAlgorithm::None:
+        return QByteArray();
+    case SignatureAlgorithm::HS256:
+        hash = QCryptographicHash::Sha256;
+        break;
+    case SignatureAlgorithm::HS384:
+        hash = QCryptographicHash::Sha384;
+        break;
+    case SignatureAlgorithm::HS512:
+        hash = QCryptographicHash::Sha512;
+        break;
+    default:
+        throw std::exception();
+    }
+    QMessageAuthenticationCode mac(hash, key);
+    mac.addData(headerAsBase64());
+    mac.addData(separator());
+    mac.addData(payloadAsBase64());
+    return mac.result();
+}
+
+Token& Token::signWith(const QByteArray& key, boost::optional<SignatureAlgorithm::Type> algorithm)
+{
+    if (algorithm) {
+        m_header.with<HeaderParameter::Algorithm>(*algorithm);
+        m_headerSegment = boost::none;
+    }
+    const SignatureAlgorithm::Type used = m_header.get<HeaderParameter::Algorithm>().value();
+    return setSignature(calcSignature(key, used));
+}
+
+bool Token::verifySignature(const QByteArray& key, SignatureAlgorithm::Type algorithm) const
+{
+    if (m_header.get<HeaderParameter::Algorithm>().value() != algorithm)
+        return false;
+    return equalInConstantTime(calcSignature(key, algorithm), m_signature);
+}
+
+VerificationError::Type Token::verify(const QByteArray& key, SignatureAlgorithm::Type algorithm,
+                                      boost::optional<const QDateTime&> now) const
+{
+    if (now) {
+        const auto expires = m_payload.get<Claim::ExpirationTime>();
+        if (expires && *now >= *expires)
+            return VerificationError::TokenExpired;
+        const auto notBefore = m_payload.get<Claim::NotBefore>();
+        if (notBefore && *now < *notBefore)
+            return VerificationError::TokenNotYetValid;
+    }
+    return verifySignature(key, algorithm) ? VerificationError::NoError : VerificationError::SignatureInvalid;
+}
+
+QByteArray Token::value() const
+{
+    const QByteArray& header = headerAsBase64();
+    const QByteArray& payload = payloadAsBase64();
+    const QByteArray& signature = signatureAsBase64();
+    QByteArray text;
+    text.reserve(header.size() + payload.size() + signature.size() + 2);
+    text.append(header).append(separator()).append(payload).append(separator()).append(signature);
+    return text;
+}
+
+boost::optional<Token> Token::fromValue(const QByteArray& text)
+{
+    // Counting first keeps a text of millions of dots from being split into as many parts.
+    if (text.count('.') != 2)
+        return boost::none;
+    const QList<QByteArray> parts = text.split('.');
+    auto header = Header::fromValue(parts.at(0));
+    if (!header)
+        return boost::none;
+    auto payload = Payload::fromValue(parts.at(1));
+    if (!payload)
+        return boost::none;
+    Token token;
+    token.setHeader(std::move(*header))
+        .setPayload(std::move(*payload))
+        .setSignature(QByteArray::fromBase64(parts.at(2),
+                                             QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals));
+    return token;
+}
+
+} // namespace jsonWebToken
