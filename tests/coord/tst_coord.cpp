@@ -1,5 +1,8 @@
 #include "coord/coord.h"
 
+#include "referencedata.h"
+
+#include <QRegularExpression>
 #include <QtTest>
 
 #include <cmath>
@@ -83,6 +86,13 @@ private Q_SLOTS:
     void knownTexts();
     void knownStrings_data();
     void knownStrings();
+    void utmTextsAgreeWithReferenceData_data();
+    void utmTextsAgreeWithReferenceData();
+    void mgrsTextsAgreeWithReferenceData_data();
+    void mgrsTextsAgreeWithReferenceData();
+    void rt90TextsAgreeWithReferenceData_data();
+    void rt90TextsAgreeWithReferenceData();
+    void rt90DecimalPointsTakeInputPositions();
     void setText_data();
     void setText();
     void isValid_data();
@@ -222,6 +232,12 @@ void tst_Coord::knownTexts_data()
         << dms(10, 59, 59.996) << dms(45, 59, 59.996) << int(cfGeoShort) << QStringLiteral("E0110000N460000");
     QTest::newRow("short: the carry reaches 180 and 90 degrees")
         << -dms(179, 59, 59.6) << -dms(89, 59, 59.7) << int(cfGeoShort) << QStringLiteral("W1800000S900000");
+    QTest::newRow("SWEREF99: latitude seconds in thousandths")
+        << dms(18, 4, 6.965) << dms(59, 19, 45.4805) << int(cfSWEREF99)
+        << QStringLiteral("E018040696N591945480");
+    QTest::newRow("SWEREF99: latitude thousandths below 100 fill the hundredths")
+        << dms(18, 4, 6.965) << dms(59, 0, 0.0365) << int(cfSWEREF99)
+        << QStringLiteral("E018040696N59000036");
     QTest::newRow("Maidenhead: W1AW, Newington CT, is FN31pr")
         << -72.727260 << 41.714775 << int(cfQTHMaidenhead) << QStringLiteral("FN31PR");
     QTest::newRow("Maidenhead: central London is IO91wm")
@@ -259,6 +275,10 @@ void tst_Coord::knownStrings_data()
                               << QString::fromUtf8("E002°17'40.20 N48°51'29.60");
     QTest::newRow("Geo short") << -dms(122, 25, 9.735) << -dms(33, 51, 35.995) << int(cfGeoShort)
                                << QString::fromUtf8("W122°25'10 S33°51'36");
+    QTest::newRow("UTM") << 18.0686 << 59.3293 << int(cfUTM) << QStringLiteral("34V 0333230 6580391");
+    QTest::newRow("SWEREF99 drops the third decimal of the latitude")
+        << dms(18, 4, 6.965) << dms(59, 19, 45.4805) << int(cfSWEREF99)
+        << QString::fromUtf8("E018°04'06.96 N59°19'45.48");
     QTest::newRow("QTH Maidenhead") << -72.727260 << 41.714775 << int(cfQTHMaidenhead)
                                     << QStringLiteral("FN31PR");
 }
@@ -271,6 +291,123 @@ void tst_Coord::knownStrings()
     QFETCH(QString, formatted);
 
     QCOMPARE(Coord(longitude, latitude).GetString(CoordFormat(format)), formatted);
+}
+
+// The reference values are in tenths of a millimetre; a metre rounding within
+// margin of its half is left out, as the library's series may fall either side.
+static bool roundsClearly(double metres, double margin)
+{
+    return std::fabs(metres - std::floor(metres) - 0.5) > margin;
+}
+
+void tst_Coord::utmTextsAgreeWithReferenceData_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<QString>("raw");
+
+    const QString bands = QStringLiteral("CDEFGHJKLMNPQRSTUVWX");
+    for (const QStringList& r : referenceRows("utm.txt")) {
+        const double lat = r[1].toDouble();
+        const double easting = r[4].toDouble();
+        const double northing = r[5].toDouble();
+        if (r[0] != QLatin1String("23") || !roundsClearly(easting, 0.01) || !roundsClearly(northing, 0.01))
+            continue;
+        const QChar band = bands.at(qMin(int(std::floor((lat + 80.0) / 8.0)), 19));
+        const QString raw = QStringLiteral("%1%2%3%4")
+                                .arg(r[3].toInt(), 2, 10, QLatin1Char('0'))
+                                .arg(band)
+                                .arg(qint64(std::floor(easting + 0.5)), 7, 10, QLatin1Char('0'))
+                                .arg(qint64(std::floor(northing + 0.5)), 7, 10, QLatin1Char('0'));
+        QTest::addRow("%s %s", qPrintable(r[1]), qPrintable(r[2])) << r[2].toDouble() << lat << raw;
+    }
+}
+
+void tst_Coord::utmTextsAgreeWithReferenceData()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(QString, raw);
+
+    QCOMPARE(Coord(longitude, latitude).GetText(cfUTM), raw);
+}
+
+void tst_Coord::mgrsTextsAgreeWithReferenceData_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<QString>("raw");
+
+    // GeoConvert's millimetre reference of the position nudged as the library
+    // nudges it; the library's easting is 5 mm west, its northing 5 mm north.
+    for (const QStringList& r : referenceRows("mgrs.txt")) {
+        const QString reference = r[2];
+        const QString head = reference.left(reference.length() - 16);
+        const double easting = reference.right(16).left(8).toDouble() / 1000.0 - 0.005;
+        const double northing = reference.right(8).toDouble() / 1000.0 + 0.005;
+        if (!roundsClearly(easting, 0.02) || !roundsClearly(northing, 0.02) || easting > 99999.0 ||
+            northing > 99999.0)
+            continue;
+        const QString raw = head + QStringLiteral("%1%2")
+                                       .arg(qint64(std::floor(easting + 0.5)), 5, 10, QLatin1Char('0'))
+                                       .arg(qint64(std::floor(northing + 0.5)), 5, 10, QLatin1Char('0'));
+        QTest::addRow("%s", qPrintable(reference)) << r[1].toDouble() << r[0].toDouble() << raw;
+    }
+}
+
+void tst_Coord::mgrsTextsAgreeWithReferenceData()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(QString, raw);
+
+    const Coord c(longitude, latitude);
+    QCOMPARE(c.GetText(cfMGRS), raw);
+    QCOMPARE(c.GetString(cfMGRS), raw.left(3) + QLatin1Char('-') + raw.mid(3, 2) + QLatin1Char('-') +
+                                      raw.mid(5, 5) + QLatin1Char('-') + raw.mid(10, 5));
+}
+
+void tst_Coord::rt90TextsAgreeWithReferenceData_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("y");
+
+    for (const QStringList& r : referenceRows("swedish.txt")) {
+        if (r[0] == QLatin1String("rt90_2.5_gon_v"))
+            QTest::addRow("%s %s", qPrintable(r[2]), qPrintable(r[3]))
+                << r[3].toDouble() << r[2].toDouble() << r[4].toDouble() << r[5].toDouble();
+    }
+}
+
+void tst_Coord::rt90TextsAgreeWithReferenceData()
+{
+    QFETCH(double, longitude);
+    QFETCH(double, latitude);
+    QFETCH(double, x);
+    QFETCH(double, y);
+
+    const QString raw = Coord(longitude, latitude).GetText(cfRT90);
+    const QRegularExpressionMatch m =
+        QRegularExpression(QStringLiteral("^X(\\d{7}\\.\\d{3})Y(\\d{7}\\.\\d{3})$")).match(raw);
+    QVERIFY2(m.hasMatch(), qPrintable(raw));
+    QVERIFY2(std::fabs(m.captured(1).toDouble() - x) < 0.002, qPrintable(raw));
+    QVERIFY2(std::fabs(m.captured(2).toDouble() - y) < 0.002, qPrintable(raw));
+}
+
+// The RT90 raw text keeps its decimal points, which the display mask counts as
+// input characters: the formatted text is shifted, and reading it back loses
+// only the last two millimetre digits.
+void tst_Coord::rt90DecimalPointsTakeInputPositions()
+{
+    const Coord stockholm(18.0686, 59.3293);
+    const QString formatted = stockholm.GetString(cfRT90);
+    QVERIFY2(formatted.startsWith(QStringLiteral("X6580908..")), qPrintable(formatted));
+    QCOMPARE(formatted.length(), stockholm.GetMask(cfRT90).length());
+    Coord back;
+    back.SetString(formatted, cfRT90);
+    QCOMPARE(back.GetText(cfRT90).left(21), stockholm.GetText(cfRT90).left(21));
 }
 
 void tst_Coord::setText_data()
