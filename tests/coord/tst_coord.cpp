@@ -102,6 +102,7 @@ private Q_SLOTS:
     void roundTrips();
     void badTextsNormalise_data();
     void badTextsNormalise();
+    void randomTextsNormalise();
     void unusableValuesGiveEmptyTexts_data();
     void unusableValuesGiveEmptyTexts();
 };
@@ -578,6 +579,26 @@ void tst_Coord::badTextsNormalise()
         fromString.SetString(text, f);
         QVERIFY2(fromString.IsValid(), qPrintable(getCoordFormatName(f)));
         fromString.GetString(f);
+    }
+}
+
+void tst_Coord::randomTextsNormalise()
+{
+    // Characters that the notations give meaning to, and some they don't.
+    const QString alphabet =
+        QString::fromUtf8("0123456789EWNSXYewnsxyAZaz.-;:_ '\"\xc2\xb0\xc3\x9f\xe2\x82\xac");
+    QRandomGenerator random(20261121);
+    for (int i = 0; i < 3000; ++i) {
+        QString text;
+        const int length = random.bounded(30);
+        for (int k = 0; k < length; ++k)
+            text.append(alphabet.at(random.bounded(alphabet.length())));
+        const CoordFormat f = CoordFormat(random.bounded(9));
+        Coord c(1.0, 2.0);
+        c.SetText(text, f);
+        QVERIFY2(c.IsValid(), qPrintable(text));
+        c.SetString(text, f);
+        QVERIFY2(c.IsValid(), qPrintable(text));
     }
 }
 
