@@ -6,7 +6,6 @@
 #include <QtTest>
 
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 namespace {
@@ -27,14 +26,6 @@ double metresBetween(const Coord& a, const Coord& b)
     return std::hypot(dLat, dLon) * kMetresPerDegree;
 }
 
-int inputPositions(const QString& mask)
-{
-    int count = 0;
-    for (const QChar c : mask)
-        count += QStringLiteral("#?ENXY").contains(c) ? 1 : 0;
-    return count;
-}
-
 QVector<Coord> worldGrid(double minLatitude, double maxLatitude)
 {
     QVector<Coord> grid;
@@ -51,6 +42,13 @@ QVector<Coord> swedenGrid()
         for (double lon = 11.13; lon <= 24.0; lon += 0.43)
             grid.append(Coord(lon, lat));
     return grid;
+}
+
+// The reference values are in tenths of a millimetre; a value within 2 cm of a
+// half metre is left out, as the library's series may round it either way.
+bool roundsClearly(double metres)
+{
+    return std::fabs(metres - std::floor(metres) - 0.5) > 0.02;
 }
 
 class PrefixTranslator : public QTranslator
@@ -76,23 +74,14 @@ private Q_SLOTS:
     void initTestCase();
     void names_data();
     void names();
-    void degreeSignIsUnicode();
-    void sweref99ExpressionAddsSecondsSigns();
-    void unknownNotationFallsBackToGeoLong_data();
-    void unknownNotationFallsBackToGeoLong();
-    void rawTextFillsTheMask_data();
-    void rawTextFillsTheMask();
+    void maskTables();
     void knownTexts_data();
     void knownTexts();
     void knownStrings_data();
     void knownStrings();
-    void utmTextsAgreeWithReferenceData_data();
-    void utmTextsAgreeWithReferenceData();
-    void mgrsTextsAgreeWithReferenceData_data();
-    void mgrsTextsAgreeWithReferenceData();
-    void rt90TextsAgreeWithReferenceData_data();
-    void rt90TextsAgreeWithReferenceData();
-    void rt90DecimalPointsTakeInputPositions();
+    void gridTextsAgreeWithReferenceData_data();
+    void gridTextsAgreeWithReferenceData();
+    void rt90AgreesWithReferenceData();
     void setText_data();
     void setText();
     void isValid_data();
@@ -100,11 +89,7 @@ private Q_SLOTS:
     void midpoint();
     void roundTrips_data();
     void roundTrips();
-    void badTextsNormalise_data();
-    void badTextsNormalise();
-    void randomTextsNormalise();
-    void unusableValuesGiveEmptyTexts_data();
-    void unusableValuesGiveEmptyTexts();
+    void badInputNormalises();
 };
 
 void tst_Coord::initTestCase()
@@ -117,14 +102,10 @@ void tst_Coord::names_data()
     QTest::addColumn<int>("format");
     QTest::addColumn<QString>("name");
 
-    QTest::newRow("0") << 0 << QStringLiteral("Geo Decimal");
-    QTest::newRow("1") << 1 << QStringLiteral("Geo long");
-    QTest::newRow("2") << 2 << QStringLiteral("Geo short");
-    QTest::newRow("3") << 3 << QStringLiteral("UTM");
-    QTest::newRow("4") << 4 << QStringLiteral("MGRS");
-    QTest::newRow("5") << 5 << QStringLiteral("RT90");
-    QTest::newRow("6") << 6 << QStringLiteral("SWEREF99");
-    QTest::newRow("7") << 7 << QStringLiteral("QTH Maidenhead");
+    const char* const names[] = {"Geo Decimal", "Geo long", "Geo short", "UTM",
+                                 "MGRS",        "RT90",     "SWEREF99",  "QTH Maidenhead"};
+    for (int f = 0; f < 8; ++f)
+        QTest::addRow("%d is %s", f, names[f]) << f << QString::fromLatin1(names[f]);
     QTest::newRow("an unknown notation has no name") << 8 << QString();
 }
 
@@ -143,67 +124,31 @@ void tst_Coord::names()
     QCOMPARE(translated, name.isEmpty() ? QString() : QStringLiteral("tr:") + name);
 }
 
-void tst_Coord::degreeSignIsUnicode()
+void tst_Coord::maskTables()
 {
-    const QChar degree(0x00B0);
-    const Coord c;
-    QCOMPARE(c.GetMask(cfGeoLong), QString(QStringLiteral("E###") + degree + QStringLiteral("##'##.## N##") +
-                                           degree + QStringLiteral("##'##.##")));
-    QCOMPARE(Coord::getQtMask(cfGeoShort).count(degree), 2);
-    QCOMPARE(Coord::getMaskRegExp(cfGeoLong).count(degree), 4);
-    QVERIFY(std::strchr(c.GetFmt(cfGeoLong), '\xB0') == nullptr);
-}
+    const Coord c(12.5, 55.25);
+    QCOMPARE(c.GetMask(cfGeoLong), QString::fromUtf8("E###°##'##.## N##°##'##.##"));
+    QCOMPARE(Coord::getQtMask(cfGeoShort), QString::fromUtf8(">A999°99'99 A99°99'99"));
+    QCOMPARE(Coord::getMaskRegExp(cfGeoLong).count(QChar(0x00B0)), 4);
 
-void tst_Coord::sweref99ExpressionAddsSecondsSigns()
-{
     const QString sweref = Coord::getMaskRegExp(cfSWEREF99);
     QCOMPARE(sweref.length(), 117);
     QVERIFY(sweref.contains(QStringLiteral("00\\.00)\"\\s(N|S)")));
     QVERIFY(sweref.endsWith(QStringLiteral("00\\.00)\"$")));
-    QString withoutSigns = sweref;
-    QCOMPARE(withoutSigns.remove(QLatin1Char('"')), Coord::getMaskRegExp(cfGeoLong));
-}
+    QCOMPARE(QString(sweref).remove(QLatin1Char('"')), Coord::getMaskRegExp(cfGeoLong));
 
-void tst_Coord::unknownNotationFallsBackToGeoLong_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::newRow("8") << 8;
-    QTest::newRow("1000") << 1000;
-    QTest::newRow("-1") << -1;
-}
-
-void tst_Coord::unknownNotationFallsBackToGeoLong()
-{
-    QFETCH(int, format);
-    const CoordFormat unknown = CoordFormat(format);
-    Coord c(12.5, 55.25);
-
-    QCOMPARE(QByteArray(c.GetFmt(unknown)), QByteArray(c.GetFmt(cfGeoLong)));
-    QCOMPARE(c.GetMask(unknown), c.GetMask(cfGeoLong));
-    QCOMPARE(Coord::getQtMask(unknown), Coord::getQtMask(cfGeoLong));
-    QCOMPARE(Coord::getMaskRegExp(unknown), Coord::getMaskRegExp(cfGeoLong));
-    QCOMPARE(c.GetText(unknown), QString());
-    QCOMPARE(c.GetString(unknown), QString::fromUtf8("____°__'__.__ ___°__'__.__"));
-    c.SetText(QStringLiteral("W0103045"), unknown);
-    QCOMPARE(c, Coord(12.5, 55.25));
-}
-
-void tst_Coord::rawTextFillsTheMask_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::newRow("Geo Decimal") << int(cfGeoDecimal);
-    QTest::newRow("Geo long") << int(cfGeoLong);
-    QTest::newRow("Geo short") << int(cfGeoShort);
-    QTest::newRow("UTM") << int(cfUTM);
-    QTest::newRow("MGRS") << int(cfMGRS);
-    QTest::newRow("QTH Maidenhead") << int(cfQTHMaidenhead);
-}
-
-void tst_Coord::rawTextFillsTheMask()
-{
-    QFETCH(int, format);
-    const Coord c(-3.70379, 40.41678);
-    QCOMPARE(c.GetText(CoordFormat(format)).length(), inputPositions(c.GetMask(CoordFormat(format))));
+    for (const int value : {8, 1000, -1}) {
+        const CoordFormat unknown = CoordFormat(value);
+        QCOMPARE(QByteArray(c.GetFmt(unknown)), QByteArray(c.GetFmt(cfGeoLong)));
+        QCOMPARE(c.GetMask(unknown), c.GetMask(cfGeoLong));
+        QCOMPARE(Coord::getQtMask(unknown), Coord::getQtMask(cfGeoLong));
+        QCOMPARE(Coord::getMaskRegExp(unknown), Coord::getMaskRegExp(cfGeoLong));
+        QCOMPARE(c.GetText(unknown), QString());
+        QCOMPARE(c.GetString(unknown), QString::fromUtf8("____°__'__.__ ___°__'__.__"));
+        Coord unchanged = c;
+        unchanged.SetText(QStringLiteral("W0103045"), unknown);
+        QCOMPARE(unchanged, c);
+    }
 }
 
 void tst_Coord::knownTexts_data()
@@ -294,121 +239,76 @@ void tst_Coord::knownStrings()
     QCOMPARE(Coord(longitude, latitude).GetString(CoordFormat(format)), formatted);
 }
 
-// The reference values are in tenths of a millimetre; a metre rounding within
-// margin of its half is left out, as the library's series may fall either side.
-static bool roundsClearly(double metres, double margin)
+void tst_Coord::gridTextsAgreeWithReferenceData_data()
 {
-    return std::fabs(metres - std::floor(metres) - 0.5) > margin;
-}
-
-void tst_Coord::utmTextsAgreeWithReferenceData_data()
-{
+    QTest::addColumn<int>("format");
     QTest::addColumn<double>("longitude");
     QTest::addColumn<double>("latitude");
     QTest::addColumn<QString>("raw");
 
     const QString bands = QStringLiteral("CDEFGHJKLMNPQRSTUVWX");
+    const auto metres = [](double value, int width) {
+        return QStringLiteral("%1").arg(qint64(std::floor(value + 0.5)), width, 10, QLatin1Char('0'));
+    };
     for (const QStringList& r : referenceRows("utm.txt")) {
         const double lat = r[1].toDouble();
-        const double easting = r[4].toDouble();
-        const double northing = r[5].toDouble();
-        if (r[0] != QLatin1String("23") || !roundsClearly(easting, 0.01) || !roundsClearly(northing, 0.01))
+        if (r[0] != QLatin1String("23") || !roundsClearly(r[4].toDouble()) || !roundsClearly(r[5].toDouble()))
             continue;
         const QChar band = bands.at(qMin(int(std::floor((lat + 80.0) / 8.0)), 19));
-        const QString raw = QStringLiteral("%1%2%3%4")
-                                .arg(r[3].toInt(), 2, 10, QLatin1Char('0'))
-                                .arg(band)
-                                .arg(qint64(std::floor(easting + 0.5)), 7, 10, QLatin1Char('0'))
-                                .arg(qint64(std::floor(northing + 0.5)), 7, 10, QLatin1Char('0'));
-        QTest::addRow("%s %s", qPrintable(r[1]), qPrintable(r[2])) << r[2].toDouble() << lat << raw;
+        QTest::addRow("UTM %s %s", qPrintable(r[1]), qPrintable(r[2]))
+            << int(cfUTM) << r[2].toDouble() << lat
+            << QStringLiteral("%1").arg(r[3].toInt(), 2, 10, QLatin1Char('0')) + band +
+                   metres(r[4].toDouble(), 7) + metres(r[5].toDouble(), 7);
     }
-}
-
-void tst_Coord::utmTextsAgreeWithReferenceData()
-{
-    QFETCH(double, longitude);
-    QFETCH(double, latitude);
-    QFETCH(QString, raw);
-
-    QCOMPARE(Coord(longitude, latitude).GetText(cfUTM), raw);
-}
-
-void tst_Coord::mgrsTextsAgreeWithReferenceData_data()
-{
-    QTest::addColumn<double>("longitude");
-    QTest::addColumn<double>("latitude");
-    QTest::addColumn<QString>("raw");
-
     // GeoConvert's millimetre reference of the position nudged as the library
-    // nudges it; the library's easting is 5 mm west, its northing 5 mm north.
+    // nudges it; the library's easting lies 5 mm west, its northing 5 mm north.
     for (const QStringList& r : referenceRows("mgrs.txt")) {
         const QString reference = r[2];
-        const QString head = reference.left(reference.length() - 16);
         const double easting = reference.right(16).left(8).toDouble() / 1000.0 - 0.005;
         const double northing = reference.right(8).toDouble() / 1000.0 + 0.005;
-        if (!roundsClearly(easting, 0.02) || !roundsClearly(northing, 0.02) || easting > 99999.0 ||
-            northing > 99999.0)
+        if (!roundsClearly(easting) || !roundsClearly(northing) || easting > 99999.0 || northing > 99999.0)
             continue;
-        const QString raw = head + QStringLiteral("%1%2")
-                                       .arg(qint64(std::floor(easting + 0.5)), 5, 10, QLatin1Char('0'))
-                                       .arg(qint64(std::floor(northing + 0.5)), 5, 10, QLatin1Char('0'));
-        QTest::addRow("%s", qPrintable(reference)) << r[1].toDouble() << r[0].toDouble() << raw;
+        QTest::addRow("MGRS %s", qPrintable(reference))
+            << int(cfMGRS) << r[1].toDouble() << r[0].toDouble()
+            << reference.left(reference.length() - 16) + metres(easting, 5) + metres(northing, 5);
     }
 }
 
-void tst_Coord::mgrsTextsAgreeWithReferenceData()
+void tst_Coord::gridTextsAgreeWithReferenceData()
 {
+    QFETCH(int, format);
     QFETCH(double, longitude);
     QFETCH(double, latitude);
     QFETCH(QString, raw);
 
-    const Coord c(longitude, latitude);
-    QCOMPARE(c.GetText(cfMGRS), raw);
-    QCOMPARE(c.GetString(cfMGRS), raw.left(3) + QLatin1Char('-') + raw.mid(3, 2) + QLatin1Char('-') +
-                                      raw.mid(5, 5) + QLatin1Char('-') + raw.mid(10, 5));
+    QCOMPARE(Coord(longitude, latitude).GetText(CoordFormat(format)), raw);
 }
 
-void tst_Coord::rt90TextsAgreeWithReferenceData_data()
-{
-    QTest::addColumn<double>("longitude");
-    QTest::addColumn<double>("latitude");
-    QTest::addColumn<double>("x");
-    QTest::addColumn<double>("y");
-
-    for (const QStringList& r : referenceRows("swedish.txt")) {
-        if (r[0] == QLatin1String("rt90_2.5_gon_v"))
-            QTest::addRow("%s %s", qPrintable(r[2]), qPrintable(r[3]))
-                << r[3].toDouble() << r[2].toDouble() << r[4].toDouble() << r[5].toDouble();
-    }
-}
-
-void tst_Coord::rt90TextsAgreeWithReferenceData()
-{
-    QFETCH(double, longitude);
-    QFETCH(double, latitude);
-    QFETCH(double, x);
-    QFETCH(double, y);
-
-    const QString raw = Coord(longitude, latitude).GetText(cfRT90);
-    const QRegularExpressionMatch m =
-        QRegularExpression(QStringLiteral("^X(\\d{7}\\.\\d{3})Y(\\d{7}\\.\\d{3})$")).match(raw);
-    QVERIFY2(m.hasMatch(), qPrintable(raw));
-    QVERIFY2(std::fabs(m.captured(1).toDouble() - x) < 0.002, qPrintable(raw));
-    QVERIFY2(std::fabs(m.captured(2).toDouble() - y) < 0.002, qPrintable(raw));
-}
-
-// The RT90 raw text keeps its decimal points, which the display mask counts as
+// The RT90 raw text keeps its decimal points, which the display mask takes for
 // input characters: the formatted text is shifted, and reading it back loses
 // only the last two millimetre digits.
-void tst_Coord::rt90DecimalPointsTakeInputPositions()
+void tst_Coord::rt90AgreesWithReferenceData()
 {
-    const Coord stockholm(18.0686, 59.3293);
-    const QString formatted = stockholm.GetString(cfRT90);
-    QVERIFY2(formatted.startsWith(QStringLiteral("X6580908..")), qPrintable(formatted));
-    QCOMPARE(formatted.length(), stockholm.GetMask(cfRT90).length());
-    Coord back;
-    back.SetString(formatted, cfRT90);
-    QCOMPARE(back.GetText(cfRT90).left(21), stockholm.GetText(cfRT90).left(21));
+    const QRegularExpression layout(QStringLiteral("^X(\\d{7}\\.\\d{3})Y(\\d{7}\\.\\d{3})$"));
+    int rows = 0;
+    for (const QStringList& r : referenceRows("swedish.txt")) {
+        if (r[0] != QLatin1String("rt90_2.5_gon_v"))
+            continue;
+        ++rows;
+        const Coord c(r[3].toDouble(), r[2].toDouble());
+        const QString raw = c.GetText(cfRT90);
+        const QRegularExpressionMatch m = layout.match(raw);
+        QVERIFY2(m.hasMatch(), qPrintable(raw));
+        QVERIFY2(std::fabs(m.captured(1).toDouble() - r[4].toDouble()) < 0.002, qPrintable(raw));
+        QVERIFY2(std::fabs(m.captured(2).toDouble() - r[5].toDouble()) < 0.002, qPrintable(raw));
+
+        const QString formatted = c.GetString(cfRT90);
+        QCOMPARE(formatted.left(10), raw.left(8) + QStringLiteral(".."));
+        Coord back;
+        back.SetString(formatted, cfRT90);
+        QCOMPARE(back.GetText(cfRT90).left(21), raw.left(21));
+    }
+    QVERIFY(rows > 0);
 }
 
 void tst_Coord::setText_data()
@@ -546,95 +446,47 @@ void tst_Coord::roundTrips()
     }
 }
 
-void tst_Coord::badTextsNormalise_data()
+void tst_Coord::badInputNormalises()
 {
-    QTest::addColumn<QString>("text");
-
-    QTest::newRow("empty") << QString();
-    QTest::newRow("one letter") << QStringLiteral("W");
-    QTest::newRow("one digit") << QStringLiteral("7");
-    QTest::newRow("digits where letters go") << QStringLiteral("1234567890123456789012345");
-    QTest::newRow("letters where digits go") << QStringLiteral("SWSWSWSWSWSWSWSWSWSWSWSWSW");
-    QTest::newRow("minus signs everywhere") << QStringLiteral("--------------------------");
-    QTest::newRow("a long text") << QString(5000, QLatin1Char('9'));
-    QTest::newRow("non-ASCII") << QString::fromUtf8(
-        "\xc3\x9f\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\xc3\xbf\xef\xbf\xbf\xc3\x9f");
-    QTest::newRow("a formatted text") << QString::fromUtf8("W179°59'59.99 S89°59'59.99");
-    QTest::newRow("placeholders") << QStringLiteral("__________________________");
-    QTest::newRow("lone surrogates") << QString(QChar(0xD800)) + QChar(0xDFFF) +
-                                            QStringLiteral("33VUE1234567890");
-    QTest::newRow("control characters") << QString(32, QChar(0));
-}
-
-void tst_Coord::badTextsNormalise()
-{
-    QFETCH(QString, text);
-
-    for (int format = 0; format <= 8; ++format) {
-        const CoordFormat f = CoordFormat(format);
-        Coord fromText(1.0, 2.0);
-        fromText.SetText(text, f);
-        QVERIFY2(fromText.IsValid(), qPrintable(getCoordFormatName(f)));
-        Coord fromString(1.0, 2.0);
-        fromString.SetString(text, f);
-        QVERIFY2(fromString.IsValid(), qPrintable(getCoordFormatName(f)));
-        fromString.GetString(f);
-    }
-}
-
-void tst_Coord::randomTextsNormalise()
-{
+    QStringList texts = {QString(),
+                         QStringLiteral("W"),
+                         QString(5000, QLatin1Char('9')),
+                         QString(32, QChar(0)),
+                         QString(QChar(0xD800)) + QChar(0xDFFF) + QStringLiteral("33VUE1234567890"),
+                         QString::fromUtf8("\xc3\x9f\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80\xef\xbf\xbf")};
     // Characters that the notations give meaning to, and some they don't.
     const QString alphabet =
         QString::fromUtf8("0123456789EWNSXYewnsxyAZaz.-;:_ '\"\xc2\xb0\xc3\x9f\xe2\x82\xac");
     QRandomGenerator random(20261121);
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 400; ++i) {
         QString text;
-        const int length = random.bounded(30);
-        for (int k = 0; k < length; ++k)
+        for (int k = random.bounded(30); k > 0; --k)
             text.append(alphabet.at(random.bounded(alphabet.length())));
-        const CoordFormat f = CoordFormat(random.bounded(9));
-        Coord c(1.0, 2.0);
-        c.SetText(text, f);
-        QVERIFY2(c.IsValid(), qPrintable(text));
-        c.SetString(text, f);
-        QVERIFY2(c.IsValid(), qPrintable(text));
+        texts << text;
     }
-}
-
-void tst_Coord::unusableValuesGiveEmptyTexts_data()
-{
-    QTest::addColumn<double>("longitude");
-    QTest::addColumn<double>("latitude");
-    QTest::addColumn<bool>("empty");
+    for (const QString& text : qAsConst(texts)) {
+        for (int format = 0; format <= 8; ++format) {
+            Coord c(1.0, 2.0);
+            c.SetText(text, CoordFormat(format));
+            QVERIFY2(c.IsValid(), qPrintable(QString::number(format) + QLatin1Char(' ') + text));
+            c.SetString(text, CoordFormat(format));
+            QVERIFY2(c.IsValid(), qPrintable(QString::number(format) + QLatin1Char(' ') + text));
+        }
+    }
 
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
-    QTest::newRow("NaN longitude") << nan << 10.0 << true;
-    QTest::newRow("infinite latitude") << 10.0 << inf << true;
-    QTest::newRow("huge values are wrapped, not looped over") << 1e300 << -1.7e308 << false;
-    QTest::newRow("values beyond int are wrapped") << 3e9 + 12.5 << -5e9 << false;
-}
-
-void tst_Coord::unusableValuesGiveEmptyTexts()
-{
-    QFETCH(double, longitude);
-    QFETCH(double, latitude);
-    QFETCH(bool, empty);
-
-    const Coord c(longitude, latitude);
     for (int format = 0; format <= 7; ++format) {
         const CoordFormat f = CoordFormat(format);
-        const QString text = c.GetText(f);
-        if (empty)
-            QVERIFY2(text.isEmpty(), qPrintable(getCoordFormatName(f)));
-        if (!empty && (f == cfGeoDecimal || f == cfGeoLong || f == cfGeoShort || f == cfQTHMaidenhead)) {
-            Coord back;
-            back.SetText(text, f);
-            QVERIFY2(back.IsValid(), qPrintable(text));
-        }
-        c.GetString(f);
+        QCOMPARE(Coord(nan, 10.0).GetText(f), QString());
+        QCOMPARE(Coord(10.0, -inf).GetText(f), QString());
+        // Huge values are wrapped like any other, not looped over for ever.
+        Coord back;
+        back.SetText(Coord(1e300, -1.7e308).GetText(f), f);
+        QVERIFY(back.IsValid());
+        QVERIFY(!Coord(3e9 + 12.5, -5e9).GetText(f).isEmpty());
     }
+    QCOMPARE(Coord(3e9 + 12.5, -5e9).GetText(cfGeoDecimal), QStringLiteral("E132500000N40000000"));
 }
 
 QTEST_GUILESS_MAIN(tst_Coord)
