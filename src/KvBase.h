@@ -10,6 +10,8 @@
 #include "basetypes/numberhelpers.h"
 #include "basetypes/timestamp2qstring.h"
 #include "basetypes/units.h"
+#include "coord/coord.h"
+#include "coord/maskconverter.h"
 #include "coord/merccoordtrans.h"
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
