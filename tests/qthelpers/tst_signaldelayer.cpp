@@ -27,6 +27,7 @@ public:
     QVariantList received;
     QElapsedTimer clock;
     qint64 lastArrival = -1;
+    QVector<qint64> arrivals;
     std::function<void()> onArrival;
 
 public Q_SLOTS:
@@ -41,6 +42,7 @@ private:
     {
         received.append(value);
         lastArrival = clock.isValid() ? clock.elapsed() : -1;
+        arrivals.append(lastArrival);
         if (onArrival)
             onArrival();
     }
@@ -136,9 +138,9 @@ private Q_SLOTS:
 
         receiver.clock.start();
         int value = 0;
-        qint64 lastSignal = 0;
+        QVector<qint64> emitted; // emitted[v - 1]: when value v went out
         while (receiver.clock.elapsed() < 4 * delay) {
-            lastSignal = receiver.clock.elapsed();
+            emitted.append(receiver.clock.elapsed());
             Q_EMIT sender.intSignal(++value);
             QTest::qWait(20);
         }
@@ -146,9 +148,18 @@ private Q_SLOTS:
         QTest::qWait(2 * delay);
 
         if (lastOnly) {
-            QCOMPARE(duringStream, 0);
-            QCOMPARE(receiver.received, QVariantList{value});
-            QVERIFY(receiver.lastArrival - lastSignal >= delay * 95 / 100);
+            // A stalled machine may open a gap in the stream long enough to let a
+            // value through; what must hold is that each forwarded value was the
+            // newest one and had stood for the whole delay.
+            QVERIFY(!receiver.received.isEmpty());
+            QCOMPARE(receiver.received.last().toInt(), value);
+            for (int i = 0; i < receiver.received.size(); ++i) {
+                const int v = receiver.received.at(i).toInt();
+                const qint64 arrival = receiver.arrivals.at(i);
+                QVERIFY(arrival - emitted.at(v - 1) >= delay * 95 / 100);
+                if (v < value)
+                    QVERIFY(emitted.at(v) >= arrival);
+            }
         } else {
             QVERIFY2(duringStream >= 2, qPrintable(QString::number(duringStream)));
             QCOMPARE(receiver.received.last().toInt(), value);
