@@ -42,5 +42,9 @@ cmake --build "$build_dir" --parallel "$(nproc)"
 case "$mode" in
     run) "$build_dir/examples/kvbase_demo" "$@" ;;
     test) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
-    bench) for b in "$build_dir"/bench/bench_*; do [ -f "$b" ] && [ -x "$b" ] && "$b" "$@"; done ;;
+    bench)
+        for b in "$build_dir"/bench/bench_*; do
+            if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
+        done
+        ;;
 esac
