@@ -32,28 +32,21 @@ struct TestDialog : IMessageDialog
     QStringList calls;
     int ShowText(const QString& text, unsigned char level, bool b1, int n, bool b2, bool b3) override
     {
-        calls << QStringLiteral("text %1 %2 %3 %4 %5 %6").arg(text).arg(level).arg(b1).arg(n).arg(b2).arg(b3);
+        calls << QStringLiteral("show %1 %2 %3 %4 %5 %6").arg(text).arg(level).arg(b1).arg(n).arg(b2).arg(b3);
         return 17;
     }
     int ShowException(const KvException& e, unsigned char level, bool b1, int n, bool b2, bool b3) override
     {
-        calls << QStringLiteral("exception %1 %2 %3 %4 %5 %6")
-                     .arg(e.GetErrorReason())
-                     .arg(level)
-                     .arg(b1)
-                     .arg(n)
-                     .arg(b2)
-                     .arg(b3);
-        return 23;
+        return ShowText(e.GetErrorReason(), level, b1, n, b2, b3) + 6;
     }
-    void ShowMessageList() override { calls << QStringLiteral("list"); }
+    void ShowMessageList() override {}
     void PostException(KvException& e, unsigned char level, bool, int, bool) override
     {
-        calls << QStringLiteral("post exception %1 %2").arg(e.GetErrorReason()).arg(level);
+        PostText(e.GetErrorReason(), level, 0, 0, 0);
     }
     void PostText(const QString& text, unsigned char level, bool, int, bool) override
     {
-        calls << QStringLiteral("post text %1 %2").arg(text).arg(level);
+        calls << QStringLiteral("post %1 %2").arg(text).arg(level);
     }
 };
 
@@ -240,9 +233,8 @@ void TestErrorHandler::dialogs()
     handler().ShowWarningDialog(QStringLiteral("careful"));
     handler().PostErrorDialog(e, true, 5, false);
     handler().errorDialog(QStringLiteral("posted"), true, 5, false);
-    QCOMPARE(seen->calls,
-             QStringList({"exception boom 1 1 5 0 1", "text text 1 0 -7 1 0", "text careful 254 1 -1 1 0",
-                          "post exception boom 1", "post text posted 1"}));
+    QCOMPARE(seen->calls, QStringList({"show boom 1 1 5 0 1", "show text 1 0 -7 1 0",
+                                       "show careful 254 1 -1 1 0", "post boom 1", "post posted 1"}));
 }
 
 void TestErrorHandler::uncaughtHandlers()
