@@ -20,10 +20,9 @@ public:
         void Update(Observable* source, TChangeCode code) override
         {
             m_pModel->log << (source == m_pModel ? m_strName : QStringLiteral("?")) + QString::number(code);
-            for (const QString& reaction : m_pModel->reactions) {
+            for (const QString& reaction : m_pModel->reactions)
                 if (code == 1 && reaction.startsWith(m_strName))
                     m_pModel->step(reaction.mid(1));
-            }
         }
         Model* m_pModel;
         QString m_strName;
@@ -52,8 +51,7 @@ public:
             throw std::runtime_error("observer failed");
     }
 
-    QStringList log;
-    QStringList reactions;
+    QStringList log, reactions;
     std::map<QString, Recorder> m_Recorders;
 };
 
@@ -73,10 +71,10 @@ private Q_SLOTS:
         row("first observer comes first, the list in its order", "+b +a *f ?", "f1 b1 a1");
         row("null and repeated additions are refused", "+ +a +a ?", "a1");
         row("making an observer first takes it out of the list", "+a +f +b *f *f ?", "f1 a1 b1");
-        row("the first observer may be listed as well", "+a *f +f ?", "f1 a1 f1");
-        row("deleting the first observer leaves its list entry", "+a *f +f -f ?", "a1 f1");
-        row("deleting an unknown observer changes nothing", "+a *f -b ?", "f1 a1");
-        row("a different first observer is refused, changing nothing", "+a *f *a ?", "refused f1 a1");
+        row("the first observer may be listed too; deleting it keeps the entry", "+a *f +f -f ?", "a1 f1");
+        row("a different first observer is refused, changing nothing", "+a *f *a ?",
+            "observableobserver\\observable/Observable/MakeFirstObserver/"
+            "MakeFirstObserver called while there was one set before! f1 a1");
         row("null hands the first observer back to the end", "+a *f +b * ?", "a1 b1 f1");
         row("listed except is left out", "+a +b *f ?a", "f1 b1");
         row("first observer as except is left out", "+a +b *f ?f", "a1 b1");
@@ -86,7 +84,6 @@ private Q_SLOTS:
         row("first observer's follow-up reaches the one left out", "+a +b *f f!f ?a", "f1 a2 b1");
         row("and only once", "+a +b *f f!f f!f ?a", "f1 a2 b1");
         row("with nobody left out it reaches nobody", "+a +b *f f!f ?", "f1 a1 b1");
-        row("outside a round it is an ordinary notification", "+a +b *f !f", "a2 b2");
         row("a throwing observer leaves no round open", "+a *f a# ? !f", "f1 a1 thrown a2");
     }
 
@@ -101,12 +98,9 @@ private Q_SLOTS:
             } catch (const std::runtime_error&) {
                 model.log << QStringLiteral("thrown");
             } catch (const KvException& e) {
-                QCOMPARE(e.GetErrorReason(),
-                         QStringLiteral("MakeFirstObserver called while there was one set before!"));
-                QCOMPARE(e.GetFileName(), QStringLiteral("observableobserver\\observable"));
-                QCOMPARE(e.ClassName(), QStringLiteral("Observable"));
-                QCOMPARE(e.GetMethodName(), QStringLiteral("MakeFirstObserver"));
-                model.log << QStringLiteral("refused");
+                model.log << QStringList{e.GetFileName(), e.ClassName(), e.GetMethodName(),
+                                         e.GetErrorReason()}
+                                 .join('/');
             }
         }
         QCOMPARE(model.log.join(QLatin1Char(' ')), expected);

@@ -4,6 +4,11 @@
 
 using namespace QUrlHelpers;
 
+static void row(const char* name, const char* text, bool isString, const char* url, const char* back)
+{
+    QTest::newRow(name) << QString(text) << isString << QString(url) << QString(back);
+}
+
 class TestQUrlHelpers : public QObject
 {
     Q_OBJECT
@@ -18,11 +23,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("url");  // of the host-port string; empty when no valid URL comes out
         QTest::addColumn<QString>("back"); // host-port string of that URL, or of the text read as a URL
 
-        const auto row = [](const char* name, const char* text, bool isString, const char* url,
-                            const char* back) {
-            QTest::newRow(name) << QString::fromUtf8(text) << isString << QString::fromUtf8(url)
-                                << QString::fromUtf8(back);
-        };
         row("any case of the prefix", "tCp:host1:5025", true, "tcp://host1:5025", "TCP:host1:5025");
         row("empty host is any host", "TCP::5025", true, "tcp://:5025", "TCP::5025");
         row("star is any host, held by QUrl as empty", "TCP:*:5025", true, "tcp://:5025", "TCP::5025");
@@ -34,7 +34,6 @@ private Q_SLOTS:
         row("space in host", "TCP:ho st:1", false, "", "");
         row("slash in host", "TCP:a/b:1", false, "", "");
         row("trailing line feed", "TCP:host1:5025\n", false, "", "");
-        row("non-ASCII digits", "TCP:h:\u0661\u0662", false, "", "");
         row("empty text", "", false, "", "");
         row("URL form is no host-port string", "tcp://host1:5025", false, "", "TCP:host1:5025");
         row("URL without port gives port -1", "tcp://host1", false, "", "TCP:host1:-1");
