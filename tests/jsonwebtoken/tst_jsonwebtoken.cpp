@@ -64,9 +64,10 @@ Token signedToken(SignatureAlgorithm::Type algorithm)
 QJsonArray fixtures(const char* name)
 {
     QFile file(QStringLiteral(KVBASE_TEST_DATA_DIR "/jsonwebtoken/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(file.fileName()));
-    return QJsonDocument::fromJson(file.readAll()).array();
+    const QJsonArray rows = QJsonDocument::fromJson(file.open(QFile::ReadOnly) ? file.readAll() : "").array();
+    if (rows.isEmpty())
+        qFatal("no fixtures in %s", qPrintable(file.fileName()));
+    return rows;
 }
 
 QString text(const QJsonValue& row, const char* member)
@@ -109,8 +110,7 @@ void TestJsonWebToken::enumerationTexts()
                                           "HeaderParameterMissing HeaderValueUnexpected IssuerUnknown "
                                           "SignatureInvalid TokenExpired TokenNotYetValid TokenRevoked");
     QCOMPARE(table<VerificationError>(), errors + QStringLiteral(" / ") + errors);
-    QCOMPARE(VerificationError::toDisplayString(VerificationError::TokenRevoked),
-             QStringLiteral("TokenRevoked"));
+    QCOMPARE(VerificationError::toDisplayString(VerificationError::NoError), QLatin1String("NoError"));
     QVERIFY(SignatureAlgorithm::toString(SignatureAlgorithm::Type(4)).isNull());
     QVERIFY(HeaderParameter::toString(HeaderParameter::Type(-1)).isNull());
     QVERIFY(Claim::toString(Claim::Type(8)).isNull());
@@ -261,11 +261,11 @@ void TestJsonWebToken::verify_data()
     QTest::addColumn<int>("verifyWith");
     QTest::addColumn<QVariant>("time"); // seconds, invalid for none
     QTest::addColumn<QString>("expected");
-    const int none = SignatureAlgorithm::None, hs256 = SignatureAlgorithm::HS256;
-    const QVariant noTime, t = now;
-    QTest::newRow("another algorithm fails")
-        << hs256 << key << int(SignatureAlgorithm::HS384) << t << "SignatureInvalid";
-    QTest::newRow("another key fails") << hs256 << QByteArray("secreT") << hs256 << t << "SignatureInvalid";
+    using A = SignatureAlgorithm;
+    const int none = A::None, hs256 = A::HS256, hs384 = A::HS384;
+    const QVariant noTime;
+    QTest::newRow("another algorithm fails") << hs256 << key << hs384 << noTime << "SignatureInvalid";
+    QTest::newRow("another key fails") << hs256 << key.toUpper() << hs256 << noTime << "SignatureInvalid";
     QTest::newRow("None does not pass for HS256") << hs256 << key << none << noTime << "SignatureInvalid";
     QTest::newRow("None verifies its empty signature") << none << QByteArray() << none << noTime << "NoError";
     QTest::newRow("now at exp is expired") << hs256 << key << hs256 << QVariant(now + 100) << "TokenExpired";
