@@ -2,7 +2,57 @@
 
 #include "jsonwebtoken/members_p.h"
 
+#include <array>
+
 namespace jsonWebToken {
+
+namespace {
+
+// Nearly every token carries one of the four headers {"alg":...,"typ":"JWT"}.
+// Their segments are encoded once, by the same encoder, so that writing or
+// reading one costs no JSON round trip.
+struct StandardHeader
+{
+    Members::Map members;
+    QByteArray segment;
+};
+
+const std::array<StandardHeader, 4>& standardHeaders()
+{
+    static const std::array<StandardHeader, 4> all = [] {
+        std::array<StandardHeader, 4> result;
+        for (const auto algorithm : SignatureAlgorithm::values()) {
+            StandardHeader& header = result[algorithm];
+            header.members.insert(QStringLiteral("alg"), Members::toStored(algorithm));
+            header.members.insert(QStringLiteral("typ"), QStringLiteral("JWT"));
+            header.segment = Members::encode(header.members);
+        }
+        return result;
+    }();
+    return all;
+}
+
+// Not map equality: QVariant's operator== converts, so it would match an
+// "alg" stored as another type that encodes differently.
+const QByteArray* standardSegment(const Members::Map& members)
+{
+    if (members.size() != 2)
+        return nullptr;
+    const auto alg = members.cbegin();
+    const auto typ = std::next(alg);
+    if (alg.key() != QLatin1String("alg") || typ.key() != QLatin1String("typ") ||
+        alg->userType() != QMetaType::QString || typ->userType() != QMetaType::QString ||
+        typ->toString() != QLatin1String("JWT"))
+        return nullptr;
+    const QString text = alg->toString();
+    for (const auto algorithm : SignatureAlgorithm::values()) {
+        if (text == SignatureAlgorithm::toString(algorithm))
+            return &standardHeaders()[algorithm].segment;
+    }
+    return nullptr;
+}
+
+} // namespace
 
 Header::Header()
 {
@@ -89,11 +139,17 @@ Header& Header::withParam(QString name, QVariant value)
 
 QByteArray Header::value() const
 {
+    if (const QByteArray* segment = standardSegment(m_members))
+        return *segment;
     return Members::encode(m_members);
 }
 
 boost::optional<Header> Header::fromValue(const QByteArray& segment)
 {
+    for (const StandardHeader& standard : standardHeaders()) {
+        if (segment == standard.segment)
+            return Header(standard.members);
+    }
     auto members = Members::decode(segment);
     if (!members)
         return boost::none;
