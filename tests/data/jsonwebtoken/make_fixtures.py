@@ -9,8 +9,9 @@ pyjwt_tokens.json  tokens PyJWT signs, each with the key, the algorithm and
                    order, so its compact JSON matches ours byte for byte,
                    except in the rows made to differ (unsorted members,
                    escaped non-ASCII text), which must fail.
-library_tokens.json  tokens the library produced (the test rebuilds each one
-                   through the API and compares the text); this script
+library_tokens.json  tokens the library produced (the test parses each one,
+                   checks it re-encodes to the same text and re-signs to the
+                   same signature); this script
                    verifies them with PyJWT and records the outcome and the
                    claims PyJWT read in "pyjwt".
 Keys are hex. Two are RFC 4231 test-case keys: 20 bytes of 0x0b and 131
