@@ -75,7 +75,7 @@ void tst_Clock::toString()
     const auto text = [&formatter](unsigned long long us) { return formatter.toString(us); };
     QCOMPARE(text(1500000), QStringLiteral("1970-01-01 00:00:01.500.000"));
     QCOMPARE(text(1500001), QStringLiteral("1970-01-01 00:00:01.500.001"));
-    // Seconds wrap at 32 bits; the fraction still comes from the whole value.
+    // Seconds are taken as 32 bits and wrap.
     QCOMPARE(text(ULLONG_MAX), QStringLiteral("2101-08-26 13:04:45.551.615"));
     // A copy starts from the cached date but needs its own conversion state.
     unsigned long long us = ULLONG_MAX;
