@@ -1,137 +1,116 @@
 #include "basetypes/enumhelpers.h"
+#include "basetypes/numberhelpers.h"
 #include "basetypes/units.h"
 
-#include <QMetaEnum>
 #include <QTest>
 
-using FrequencyList = QList<FrequencyUnit::Type>;
+namespace {
+
+// Every text-to-value entry point as text -> value text, with the ok flag.
+using Parser = QString (*)(const QString&, int, bool*);
+
+// Numbers are parsed under a German locale: '.' groups digits, ',' is the decimal separator.
+template <typename T>
+QString parsed(const QString& text, int base, bool* ok)
+{
+    if constexpr (std::is_class<T>::value)
+        return QString::number(T::fromString(text, ok));
+    else
+        return QString::number(NumberHelpers::parse<T>(text, QLocale(QLocale::German), ok, base));
+}
+
+// "value text display" for every unit, in values() order.
+template <typename Unit>
+QString table()
+{
+    QStringList rows;
+    for (const auto value : Unit::values())
+        rows << QString("%1 %2 %3").arg(value).arg(Unit::toString(value), Unit::toDisplayString(value));
+    return rows.join(QLatin1Char(','));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Parser)
 
 class tst_Units : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void tablesInScaleOrder();
-    void fromString_data();
-    void fromString();
-    void steps_data();
+    void texts();
     void steps();
-    void timeStepsNeverReachNanoseconds();
-    void metaTypes();
-    void emptyEnumHasNothing();
+    void parse_data();
+    void parse();
 };
 
-template <typename Unit>
-static void compareTable(const QList<int>& values, const QStringList& texts, const QStringList& displayTexts)
+void tst_Units::texts()
 {
-    QList<int> actualValues;
-    QStringList actualTexts, actualDisplayTexts;
-    for (const auto value : Unit::values()) {
-        actualValues << value;
-        actualTexts << Unit::toString(value);
-        actualDisplayTexts << Unit::toDisplayString(value);
-    }
-    QCOMPARE(actualValues, values);
-    QCOMPARE(actualTexts, texts);
-    QCOMPARE(actualDisplayTexts, displayTexts); // no translator installed
-    QVERIFY(Unit::toString(typename Unit::Type(1)).isEmpty());
-    QVERIFY(Unit::toDisplayString(typename Unit::Type(1)).isEmpty());
-}
-
-void tst_Units::tablesInScaleOrder()
-{
-    const QStringList frequencies{"Hz", "kHz", "MHz", "GHz", "THz"};
-    compareTable<FrequencyUnit>({0, 3, 6, 9, 12}, frequencies, frequencies);
-    const QString micro = QString(QChar(0x00B5)) + QLatin1Char('s');
-    compareTable<TimeUnit>({-9, -6, -3, 0, 60, 3600, 86400}, {"ns", "us", "ms", "s", "m", "h", "d"},
-                           {"ns", micro, "ms", "s", "m", "h", "d"});
-}
-
-void tst_Units::fromString_data()
-{
-    QTest::addColumn<bool>("time");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("expected");
-    QTest::addColumn<bool>("ok");
-    QTest::newRow("empty text is Hz, not ok") << false << "" << 0 << false;
-    QTest::newRow("g is GHz") << false << "g" << 9 << true;
-    QTest::newRow("m is MHz for frequencies") << false << "m" << 6 << true;
-    QTest::newRow("case does not matter") << false << "tHZ" << 12 << true;
-    QTest::newRow("only the first word counts") << false << "  kHz is the unit" << 3 << true;
-    QTest::newRow("Hzx is no match") << false << "Hzx" << 0 << false;
-    QTest::newRow("empty text is ns, not ok") << true << "" << -9 << false;
-    QTest::newRow("m is ms for times") << true << "m" << -3 << true;
-    QTest::newRow("u is the microsecond unit") << true << "u" << -6 << true;
-    QTest::newRow("the micro sign is no key") << true << QString(QChar(0x00B5)) << -9 << false;
-    QTest::newRow("H is hours") << true << "H" << 3600 << true;
-}
-
-void tst_Units::fromString()
-{
-    QFETCH(bool, time);
-    QFETCH(QString, text);
-    QFETCH(int, expected);
-    QFETCH(bool, ok);
-    bool parsed = !ok;
-    QCOMPARE(time ? int(TimeUnit::fromString(text, &parsed)) : int(FrequencyUnit::fromString(text, &parsed)),
-             expected);
-    QCOMPARE(parsed, ok);
-}
-
-void tst_Units::steps_data()
-{
-    QTest::addColumn<int>("value");
-    QTest::addColumn<FrequencyList>("allowed");
-    QTest::addColumn<int>("successor");
-    QTest::addColumn<int>("predecessor");
-
-    const FrequencyList lowThree{FrequencyUnit::Hz, FrequencyUnit::kHz, FrequencyUnit::MHz};
-    QTest::newRow("kHz has no predecessor even with Hz allowed") << 3 << lowThree << 6 << 3;
-    QTest::newRow("GHz steps down to the nearest allowed") << 9 << lowThree << 9 << 6;
-    QTest::newRow("THz has no successor") << 12 << FrequencyUnit::values() << 12 << 9;
-    QTest::newRow("Hz skips up to the only allowed unit") << 0 << FrequencyList{FrequencyUnit::MHz} << 6 << 0;
-    QTest::newRow("nothing allowed keeps the unit") << 6 << FrequencyList() << 6 << 6;
-    QTest::newRow("unknown value starts the walk at Hz") << 5 << FrequencyList{FrequencyUnit::Hz} << 0 << 5;
+    QCOMPARE(table<FrequencyUnit>(), QStringLiteral("0 Hz Hz,3 kHz kHz,6 MHz MHz,9 GHz GHz,12 THz THz"));
+    QCOMPARE(table<TimeUnit>(),
+             QStringLiteral("-9 ns ns,-6 us \u00b5s,-3 ms ms,0 s s,60 m m,3600 h h,86400 d d"));
+    QVERIFY(FrequencyUnit::toString(FrequencyUnit::Type(1)).isEmpty());
+    // Queued connections look the types up by name, before anyone asked for their ids.
+    QVERIFY(QMetaType::type("FrequencyUnit::Type") && QMetaType::type("TimeUnit::Type"));
+    bool ok = true;
+    QVERIFY(EnumHelpers::EmptyEnum::fromString(QStringLiteral("Hz"), &ok) == 0 && !ok);
 }
 
 void tst_Units::steps()
 {
-    QFETCH(int, value);
-    QFETCH(FrequencyList, allowed);
-    QFETCH(int, successor);
-    QFETCH(int, predecessor);
-    QCOMPARE(int(FrequencyUnit::successor(FrequencyUnit::Type(value), allowed)), successor);
-    QCOMPARE(int(FrequencyUnit::predecessor(FrequencyUnit::Type(value), allowed)), predecessor);
-}
-
-void tst_Units::timeStepsNeverReachNanoseconds()
-{
-    QCOMPARE(TimeUnit::predecessor(TimeUnit::ms, TimeUnit::values()), TimeUnit::us);
+    using F = FrequencyUnit;
+    const QList<F::Type> lowThree{F::Hz, F::kHz, F::MHz};
+    QCOMPARE(F::predecessor(F::kHz, lowThree), F::kHz); // never down to Hz, even when allowed
+    QCOMPARE(F::predecessor(F::GHz, lowThree), F::MHz); // the nearest allowed below
+    QCOMPARE(F::successor(F::THz, F::values()), F::THz);
+    QCOMPARE(F::successor(F::Hz, {F::GHz}), F::GHz);
+    QCOMPARE(F::successor(F::Type(5), {F::Hz}), F::Hz); // an unknown value starts the walk at Hz
     QCOMPARE(TimeUnit::predecessor(TimeUnit::us, TimeUnit::values()), TimeUnit::us);
-    QCOMPARE(TimeUnit::successor(TimeUnit::ns, {TimeUnit::ns, TimeUnit::d}), TimeUnit::d);
 }
 
-void tst_Units::metaTypes()
+void tst_Units::parse_data()
 {
-    QCOMPARE(QMetaEnum::fromType<FrequencyUnit::Type>().valueToKey(3), "kHz");
-    QCOMPARE(QMetaEnum::fromType<TimeUnit::Type>().keyCount(), 7);
-    // Registered by name at load time, as queued connections need.
-    QVERIFY(QMetaType::type("FrequencyUnit::Type") != QMetaType::UnknownType);
-    QVERIFY(QMetaType::type("TimeUnit::Type") != QMetaType::UnknownType);
+    QTest::addColumn<Parser>("parser");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("base");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<bool>("ok");
+    QTest::newRow("empty text is Hz, not ok") << &parsed<FrequencyUnit> << "" << 0 << "0" << false;
+    QTest::newRow("m is MHz, any case") << &parsed<FrequencyUnit> << "m" << 0 << "6" << true;
+    QTest::newRow("m is ms for times") << &parsed<TimeUnit> << "m" << 0 << "-3" << true;
+    QTest::newRow("the first word counts")
+        << &parsed<FrequencyUnit> << "  kHz is the unit" << 0 << "3" << true;
+    QTest::newRow("Hzx is no match") << &parsed<FrequencyUnit> << "Hzx" << 0 << "0" << false;
+    QTest::newRow("u is the microsecond unit") << &parsed<TimeUnit> << "u" << 0 << "-6" << true;
+    QTest::newRow("signed char refuses 200") << &parsed<signed char> << "200" << 10 << "0" << false;
+    QTest::newRow("unsigned char refuses 0x100") << &parsed<unsigned char> << "100" << 16 << "0" << false;
+    QTest::newRow("short refuses 32768") << &parsed<short> << "32768" << 10 << "0" << false;
+    QTest::newRow("base 10 takes group separators") << &parsed<int> << "1.000" << 10 << "1000" << true;
+    QTest::newRow("... up to 2^64 - 1") << &parsed<unsigned long long> << "18.446.744.073.709.551.615" << 10
+                                        << "18446744073709551615" << true;
+    QTest::newRow("other bases ignore the locale") << &parsed<int> << "1.000" << 16 << "0" << false;
+    QTest::newRow("doubles ignore the base") << &parsed<double> << "-1.234,25" << 16 << "-1234.25" << true;
+    QTest::newRow("float overflow is infinite") << &parsed<float> << "1e40" << 10 << "inf" << false;
+    // Booleans ignore the locale and the base.
+    QTest::newRow("Yes with blanks is true") << &parsed<bool> << "  Yes \t" << 2 << "1" << true;
+    QTest::newRow("Off is false") << &parsed<bool> << "Off" << 2 << "0" << true;
+    QTest::newRow("0x1 is true") << &parsed<bool> << "0x1" << 2 << "1" << true;
+    QTest::newRow("2 is true, not ok") << &parsed<bool> << "2" << 2 << "1" << false;
+    QTest::newRow("maybe is false, not ok") << &parsed<bool> << "maybe" << 2 << "0" << false;
+    QTest::newRow("70000 is no 16-bit number") << &parsed<bool> << "70000" << 2 << "0" << false;
 }
 
-void tst_Units::emptyEnumHasNothing()
+void tst_Units::parse()
 {
-    using EnumHelpers::EmptyEnum;
-    QVERIFY(EmptyEnum::values().isEmpty());
-    QCOMPARE(QMetaEnum::fromType<EmptyEnum::Type>().keyCount(), 0);
-    bool ok = true;
-    QCOMPARE(int(EmptyEnum::fromString(QStringLiteral("Hz"), &ok)), 0);
-    QVERIFY(!ok);
-    const auto seven = EmptyEnum::Type(7);
-    QVERIFY(EmptyEnum::toString(seven).isEmpty());
-    QCOMPARE(int(EmptyEnum::successor(seven, {seven})), 7);
-    QCOMPARE(int(EmptyEnum::predecessor(seven, {seven})), 7);
+    QFETCH(Parser, parser);
+    QFETCH(QString, text);
+    QFETCH(int, base);
+    QFETCH(QString, expected);
+    QFETCH(bool, ok);
+    bool parsedOk = !ok;
+    QCOMPARE(parser(text, base, &parsedOk), expected);
+    QCOMPARE(parsedOk, ok);
+    QCOMPARE(parser(text, base, nullptr), expected);
 }
 
 QTEST_APPLESS_MAIN(tst_Units)
