@@ -178,9 +178,8 @@ void Band::Read(QDomDocument&, QDomElement& element)
         if (child.isNull()) {
             ErrorHandler& handler = ErrorHandler::Instance();
             if (handler.GetMessageMask() & ErrorHandler::TraceMask)
-                ErrorHandler::Interface()->ProtocolMessage(
-                    QStringLiteral("error loading job."), QStringLiteral("basetypes\\band"),
-                    QStringLiteral("Band"), QStringLiteral("Read"), 321, 3);
+                handler.trace(QStringLiteral("error loading job."), QStringLiteral("basetypes\\band"),
+                              QStringLiteral("Band"), QStringLiteral("Read"), 321, 3);
             return;
         }
         const QString tag = child.tagName();
