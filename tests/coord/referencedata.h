@@ -30,10 +30,7 @@ inline QList<QStringList> referenceRows(const char* file)
     return rows;
 }
 
-inline bool within(double value, double expected, double tolerance)
-{
-    return std::fabs(value - expected) < tolerance;
-}
+const auto within = [](double v, double expected, double tol) { return std::fabs(v - expected) < tol; };
 
 // A table of tuples, each led by its name, as a QtTest data table: column "row" holds the index.
 template <typename Row, std::size_t N>
