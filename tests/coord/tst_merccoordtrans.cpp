@@ -205,6 +205,9 @@ private slots:
         QVERIFY(!*same || (lat != -1.0 && lon != -1.0));
         QCOMPARE(t.GR2LL(true, QLatin1String(text), grid), lat);
         QCOMPARE(t.GR2LL(false, QLatin1String(text), grid), lon);
+        double bothLat, bothLon;
+        QVERIFY(t.GR2LL(QLatin1String(text), grid, bothLat, bothLon) == bool(*same) && bothLat == lat &&
+                bothLon == lon);
     }
 
     // Every grid (or ellipsoid or datum), meridian and hostile number: -1.0 or a finite
