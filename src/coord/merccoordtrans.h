@@ -53,7 +53,7 @@ public:
 
     /// UTM central meridian in degrees with the Norwegian and Svalbard exceptions; -1 if invalid.
     long UTMCM(double lat, double lon) const;
-    /// UTM zone number 1 to 60; -1 if invalid.
+    /// UTM zone number from UTMCM: 1 to 60, but 0 at -180 and 61 at 180 degrees; -1 if invalid.
     long UTMLongZone(double lat, double lon) const;
 
     /// British (grid 1, "NN1234567890") or Irish (grid 2, "N1234567890") grid reference,
