@@ -364,12 +364,9 @@ void Coord::SetText(const QString& text, CoordFormat format)
     case cfUTM:
         UTMtoLL(kEllipsoidWgs84, text.mid(10, 7).toInt(), text.mid(3, 7).toInt(), text.mid(0, 3), lat, lon);
         break;
-    case cfMGRS: {
-        CMercCoordTrans trans;
-        lat = trans.GR2LL(true, text, kMgrsReferenceGrid);
-        lon = trans.GR2LL(false, text, kMgrsReferenceGrid);
+    case cfMGRS:
+        CMercCoordTrans().GR2LL(text, kMgrsReferenceGrid, lat, lon);
         break;
-    }
     case cfRT90: {
         QString copy = text;
         StringToCoord(copy, &lon, &lat, static_cast<TCoordFormat>(kGridRt90));

@@ -248,6 +248,66 @@ double shiftDatum(bool wantLatitude, double lat, double lon, int datum, bool toW
     return wantLatitude ? outLat : outLon;
 }
 
+// Latitude and longitude in degrees of a position of grid g (1 to 12), each -1.0 where
+// it cannot be had: unknown grid, non-finite input or result, a northing far beyond the
+// poles. TM2LL picks one of the two; GR2LL's readers want both from one iteration.
+void gridToLatLong(int g, long zoneMeridian, double easting, double northing, double& lat, double& lon)
+{
+    lat = -1.0;
+    lon = -1.0;
+    GridRow r;
+    if (g > kLastTableGrid || !gridRow(g, zoneMeridian, r))
+        return;
+    if (!std::isfinite(easting) || !std::isfinite(northing))
+        return;
+
+    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
+    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double dn = northing - r.N0;
+    double phi = dn / r.aF0 + r.phi0;
+    // Each step gains two to three digits, so a sane northing needs four or five; a
+    // northing far beyond the poles never settles and is refused.
+    bool settled = false;
+    for (int step = 0; step < 50 && !settled; ++step) {
+        const double residual = dn - meridionalArc(r, n, phi);
+        settled = std::fabs(residual) < 0.001;
+        if (!settled)
+            phi += residual / r.aF0;
+    }
+    if (!settled)
+        return;
+
+    const double sinPhi = std::sin(phi);
+    const double w = 1.0 - e2 * sinPhi * sinPhi;
+    const double nu = r.aF0 / std::sqrt(w);
+    const double rho = nu * (1.0 - e2) / w;
+    const double eta2 = nu / rho - 1.0;
+    const double t = std::tan(phi);
+    const double t2 = t * t;
+    const double t4 = t2 * t2;
+    const double sec = 1.0 / std::cos(phi);
+    const double de = easting - r.E0;
+    const double de2 = de * de;
+    const double nu3 = nu * nu * nu;
+    const double nu5 = nu3 * nu * nu;
+
+    const double vii = t / (2.0 * rho * nu);
+    const double viii = t / (24.0 * rho * nu3) * (5.0 + 3.0 * t2 + eta2 - 9.0 * t2 * eta2);
+    const double ix = t / (720.0 * rho * nu5) * (61.0 + 90.0 * t2 + 45.0 * t4);
+    const double latitude = (phi - de2 * (vii - de2 * (viii - de2 * ix))) / kDegToRad;
+
+    const double x = sec / nu;
+    const double xi = sec / (6.0 * nu3) * (nu / rho + 2.0 * t2);
+    const double xii = sec / (120.0 * nu5) * (5.0 + 28.0 * t2 + 24.0 * t4);
+    const double xiia = sec / (5040.0 * nu5 * nu * nu) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t4 * t2);
+    const double longitude = (r.lambda0 + de * (x - de2 * (xi - de2 * (xii - de2 * xiia)))) / kDegToRad;
+
+    if (std::isfinite(latitude))
+        lat = latitude;
+    if (std::isfinite(longitude))
+        lon = longitude;
+}
+
 } // namespace
 
 CMercCoordTrans::CMercCoordTrans() = default;
@@ -302,59 +362,9 @@ double CMercCoordTrans::LL2TM(bool wantEasting, double lat, double lon, int grid
 double CMercCoordTrans::TM2LL(bool wantLatitude, double easting, double northing, int grid,
                               long zoneMeridian) const
 {
-    const int g = absGrid(grid);
-    GridRow r;
-    if (g > kLastTableGrid || !gridRow(g, zoneMeridian, r))
-        return -1.0;
-    if (!std::isfinite(easting) || !std::isfinite(northing))
-        return -1.0;
-
-    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
-    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
-    const double dn = northing - r.N0;
-    double phi = dn / r.aF0 + r.phi0;
-    // Each step gains two to three digits, so a sane northing needs four or five; a
-    // northing far beyond the poles never settles and is refused.
-    bool settled = false;
-    for (int step = 0; step < 50 && !settled; ++step) {
-        const double residual = dn - meridionalArc(r, n, phi);
-        settled = std::fabs(residual) < 0.001;
-        if (!settled)
-            phi += residual / r.aF0;
-    }
-    if (!settled)
-        return -1.0;
-
-    const double sinPhi = std::sin(phi);
-    const double w = 1.0 - e2 * sinPhi * sinPhi;
-    const double nu = r.aF0 / std::sqrt(w);
-    const double rho = nu * (1.0 - e2) / w;
-    const double eta2 = nu / rho - 1.0;
-    const double t = std::tan(phi);
-    const double t2 = t * t;
-    const double t4 = t2 * t2;
-    const double sec = 1.0 / std::cos(phi);
-    const double de = easting - r.E0;
-    const double de2 = de * de;
-    const double nu3 = nu * nu * nu;
-    const double nu5 = nu3 * nu * nu;
-
-    double result;
-    if (wantLatitude) {
-        const double vii = t / (2.0 * rho * nu);
-        const double viii = t / (24.0 * rho * nu3) * (5.0 + 3.0 * t2 + eta2 - 9.0 * t2 * eta2);
-        const double ix = t / (720.0 * rho * nu5) * (61.0 + 90.0 * t2 + 45.0 * t4);
-        result = phi - de2 * (vii - de2 * (viii - de2 * ix));
-    } else {
-        const double x = sec / nu;
-        const double xi = sec / (6.0 * nu3) * (nu / rho + 2.0 * t2);
-        const double xii = sec / (120.0 * nu5) * (5.0 + 28.0 * t2 + 24.0 * t4);
-        const double xiia =
-            sec / (5040.0 * nu5 * nu * nu) * (61.0 + 662.0 * t2 + 1320.0 * t4 + 720.0 * t4 * t2);
-        result = r.lambda0 + de * (x - de2 * (xi - de2 * (xii - de2 * xiia)));
-    }
-    result /= kDegToRad;
-    return std::isfinite(result) ? result : -1.0;
+    double lat, lon;
+    gridToLatLong(absGrid(grid), zoneMeridian, easting, northing, lat, lon);
+    return wantLatitude ? lat : lon;
 }
 
 long CMercCoordTrans::UTMCM(double lat, double lon) const
@@ -503,8 +513,18 @@ QString CMercCoordTrans::LL2GR(double lat, double lon, int grid) const
 
 double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
 {
+    double lat, lon;
+    GR2LL(ref, grid, lat, lon);
+    return wantLatitude ? lat : lon;
+}
+
+bool CMercCoordTrans::GR2LL(const QString& ref, int grid, double& lat, double& lon) const
+{
+    lat = -1.0;
+    lon = -1.0;
+    static const QRegularExpression separators(QStringLiteral("[\\s-]"));
     QString text = ref.toUpper();
-    text.remove(QRegularExpression(QStringLiteral("[\\s-]")));
+    text.remove(separators);
     const int g = absGrid(grid);
     double e, n;
 
@@ -512,7 +532,7 @@ double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
         static const QRegularExpression british(QStringLiteral("^([HJNOST])([A-HJ-Z])(\\d*)$"));
         const QRegularExpressionMatch m = british.match(text);
         if (!m.hasMatch() || !splitDigits(m.captured(3), e, n))
-            return -1.0;
+            return false;
         const QChar first = m.captured(1).at(0);
         const int p = letterIndex(kSquareLetters, m.captured(2).at(0));
         const int east500 =
@@ -522,33 +542,35 @@ double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
                                                                                       : 0;
         e += (east500 + p / 10) * 100000.0;
         n += (north500 + p % 10) * 100000.0;
-        return TM2LL(wantLatitude, e, n, 1, 0);
+        gridToLatLong(1, 0, e, n, lat, lon);
+        return true;
     }
     if (g == 2) {
         static const QRegularExpression irish(QStringLiteral("^([A-HJ-Z])(\\d*)$"));
         const QRegularExpressionMatch m = irish.match(text);
         if (!m.hasMatch() || !splitDigits(m.captured(2), e, n))
-            return -1.0;
+            return false;
         const int p = letterIndex(kSquareLetters, m.captured(1).at(0));
         e += (p / 10) * 100000.0;
         n += (p % 10) * 100000.0;
-        return TM2LL(wantLatitude, e, n, 2, 0);
+        gridToLatLong(2, 0, e, n, lat, lon);
+        return true;
     }
     if (!usesZoneMeridian(g))
-        return -1.0;
+        return false;
 
     static const QRegularExpression mgrs(
         QStringLiteral("^(\\d{1,2})([C-HJ-NP-X])([A-HJ-NP-Z])([A-HJ-NP-V])(\\d*)$"));
     const QRegularExpressionMatch m = mgrs.match(text);
     if (!m.hasMatch() || !splitDigits(m.captured(5), e, n))
-        return -1.0;
+        return false;
     const long zone = m.captured(1).toLong();
     const long meridian = UTMCMfromLongZone(zone);
     if (meridian == -1)
-        return -1.0;
+        return false;
     const int column = letterIndex(kLetters, m.captured(3).at(0));
     if (column / 8 != (zone - 1) % 3)
-        return -1.0;
+        return false;
     e += (column % 8 + 1) * 100000.0;
     long row = letterIndex(kLetters, m.captured(4).at(0));
     row -= zone % 2 == 0 ? 5 : 0;
@@ -568,7 +590,8 @@ double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
     n += 2000000.0 * std::round((middle - n) / 2000000.0);
     if (south)
         n -= 10000000.0;
-    return TM2LL(wantLatitude, e, n, g, meridian);
+    gridToLatLong(g, meridian, e, n, lat, lon);
+    return true;
 }
 
 double CMercCoordTrans::ToWGS84(bool wantLatitude, double lat, double lon, int datum, long /*zone*/) const

@@ -53,7 +53,7 @@ public:
 
     /// UTM central meridian in degrees with the Norwegian and Svalbard exceptions; -1 if invalid.
     long UTMCM(double lat, double lon) const;
-    /// UTM zone number 1 to 60; -1 if invalid.
+    /// UTM zone number from UTMCM: 1 to 60, but 0 at -180 and 61 at 180 degrees; -1 if invalid.
     long UTMLongZone(double lat, double lon) const;
 
     /// British (grid 1, "NN1234567890") or Irish (grid 2, "N1234567890") grid reference,
@@ -64,6 +64,9 @@ public:
     /// LL2GR writes, also lower case, blanks or dashes between the groups and 2 to 10
     /// digits (fewer digits: the south-west corner of the square). -1.0 if unreadable.
     double GR2LL(bool wantLatitude, QString ref, int grid) const;
+    /// Both at once, reading the reference once: lat and lon get exactly what
+    /// GR2LL(true, ...) and GR2LL(false, ...) return. False (both -1.0) if unreadable.
+    bool GR2LL(const QString& ref, int grid, double& lat, double& lon) const;
 
     /// Latitude (wantLatitude) or longitude in degrees on WGS-84 of a position given in
     /// degrees on the datum (see the datum numbers above); zone is not used by these

@@ -274,14 +274,11 @@ int StringToCoord(QString& text, double* lon, double* lat, TCoordFormat format)
             return 1;
         break;
     }
-    case TCoordFormatMGRS: {
-        const CMercCoordTrans trans;
-        outLat = trans.GR2LL(true, text, 4);
-        outLon = trans.GR2LL(false, text, 4);
+    case TCoordFormatMGRS:
+        CMercCoordTrans().GR2LL(text, 4, outLat, outLon);
         if (outLat == -1.0 && outLon == -1.0)
             return 1;
         break;
-    }
     default:
         return 1;
     }

@@ -4,8 +4,12 @@
 #include <QFile>
 #include <QList>
 #include <QStringList>
+#include <QTest>
 
+#include <cmath>
+#include <cstddef>
 #include <limits>
+#include <tuple>
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -24,6 +28,17 @@ inline QList<QStringList> referenceRows(const char* file)
             rows << line.split(QLatin1Char(' '), Qt::SkipEmptyParts);
     }
     return rows;
+}
+
+const auto within = [](double v, double expected, double tol) { return std::fabs(v - expected) < tol; };
+
+// A table of tuples, each led by its name, as a QtTest data table: column "row" holds the index.
+template <typename Row, std::size_t N>
+void addRows(const Row (&rows)[N])
+{
+    QTest::addColumn<int>("row");
+    for (std::size_t i = 0; i < N; ++i)
+        QTest::newRow(std::get<0>(rows[i])) << int(i);
 }
 
 #endif // KVBASE_TESTS_COORD_REFERENCEDATA_H
