@@ -280,10 +280,14 @@ QString Coord::getMaskRegExp(CoordFormat format)
 
 QString Coord::GetText(CoordFormat format) const
 {
-    if (!isNotation(format) || !std::isfinite(m_dLongitude) || !std::isfinite(m_dLatitude))
+    // A position is written as it stands, out of range or not; only degrees
+    // that no number field can hold (and NaN) give no text.
+    constexpr double maxDegrees = 1e6;
+    if (!isNotation(format) || !(std::fabs(m_dLongitude) <= maxDegrees) ||
+        !(std::fabs(m_dLatitude) <= maxDegrees))
         return QString();
-    const double lon = wrapInto(m_dLongitude, 180.0);
-    const double lat = wrapInto(m_dLatitude, 90.0);
+    const double lon = m_dLongitude;
+    const double lat = m_dLatitude;
     const char lonHemisphere = lon < 0 ? 'W' : 'E';
     const char latHemisphere = lat < 0 ? 'S' : 'N';
     const double lonAbs = std::fabs(lon);

@@ -65,8 +65,8 @@ public:
     static QString getMaskRegExp(CoordFormat format);
 
     /// Raw text of this position: significant characters only, no separators.
-    /// Empty for an unknown notation or a position that is not a finite number;
-    /// a finite position outside the valid range is wrapped as SetText does.
+    /// A position outside the valid range is written as it stands ("E190..."); the
+    /// text is empty for an unknown notation, NaN, or more than a million degrees.
     QString GetText(CoordFormat format) const;
     /// Reads a raw text of the notation into this position.
     void SetText(const QString& text, CoordFormat format);

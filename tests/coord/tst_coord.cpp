@@ -46,6 +46,8 @@ const TextRow kTexts[] = {
     {"Maidenhead: W1AW, Newington CT, is FN31pr", cfQTHMaidenhead, -72.727260, 41.714775, "FN31PR", "FN31PR"},
     {"Maidenhead: the south-west corner is AA00aa", cfQTHMaidenhead, -180.0, -90.0, "AA00AA", nullptr},
     {"Maidenhead: the last sub-square is RR99xx", cfQTHMaidenhead, 179.99, 89.99, "RR99XX", nullptr},
+    {"decimal: a longitude out of range is written as it stands", cfGeoDecimal, 190.0, 0.0,
+     "E190000000N00000000", nullptr},
 };
 
 const TextRow kReadings[] = {
@@ -180,7 +182,7 @@ private Q_SLOTS:
     }
 
     // Random texts in every notation (and beyond) read as valid positions; positions that
-    // are not numbers give no text, huge ones are wrapped rather than looped over.
+    // are not numbers or too large for any number field give no text.
     void badInputNormalises()
     {
         const QString alphabet =
@@ -199,8 +201,9 @@ private Q_SLOTS:
         }
         for (int format = 0; format <= 7; ++format) {
             Coord back;
-            back.SetText(Coord(1e300, -1.7e308).GetText(CoordFormat(format)), CoordFormat(format));
+            back.SetText(Coord(1e6, -1e6).GetText(CoordFormat(format)), CoordFormat(format));
             QVERIFY(back.IsValid() && Coord(kNaN, 10.0).GetText(CoordFormat(format)).isEmpty());
+            QVERIFY(Coord(1e300, 0.0).GetText(CoordFormat(format)).isEmpty());
         }
     }
 };
