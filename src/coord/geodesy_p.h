@@ -79,8 +79,8 @@ constexpr int kBandCount = 20;
 /// split at 9, 21 and 33) give a position; nullopt where neither applies.
 std::optional<int> utmZoneException(double lat, double lon, double svalbardNorthEnd);
 /// UTM zone 1 to 60 of a position: the 6-degree strip from 180 W (180 E belongs to
-/// zone 60) or the exception, Svalbard's up to 84 N; nullopt for NaN, |lat| > 90 or
-/// |lon| > 180.
+/// zone 60) or the exception (Svalbard's for 72 <= lat < 84); nullopt for NaN,
+/// |lat| > 90 or |lon| > 180.
 std::optional<int> utmZone(double lat, double lon);
 /// True for the zone numbers 1 to 60.
 constexpr bool validUtmZone(long zone)
