@@ -1,5 +1,7 @@
 #include "coord/geodesy_p.h"
 
+#include "coord/roundingcheck_p.h"
+
 #include <climits>
 #include <cmath>
 
@@ -335,7 +337,8 @@ std::optional<GeoPoint> tmInverse(const TmParameters& p, const GridPoint& grid)
 
 namespace {
 
-// Meridional arc from the latitude of origin to phi.
+// Meridional arc from the latitude of origin to phi: the definition, which the
+// shortcuts below must reproduce to the last bit.
 double meridionalArc(const OsGridRow& r, double n, double phi)
 {
     const double n2 = n * n;
@@ -348,13 +351,101 @@ double meridionalArc(const OsGridRow& r, double n, double phi)
                     35.0 / 24.0 * n3 * std::sin(3.0 * dp) * std::cos(3.0 * sp));
 }
 
+// The shortcut's angles stay within this (radians), so that the library's rounding of
+// 3 dp and 3 sp moves their sines and cosines by at most 7.5 u; latitudes reach 1.59
+// and the latitudes of origin 0.94.
+constexpr double kArcShortcutAngle = 2.5;
+
+// Bounds of the identities below against the library's sin 2x, cos 2x, sin 3x, cos 3x,
+// with g = kLibmError for each library value: 2 sin x cos x is within (3g + u)|sin 2x|,
+// (cos x - sin x)(cos x + sin x) within 5.01 (g + u), the two of 3x within 26.1 u + g +
+// 7.5 u. Through productBound that is 27.1 u |sin 2x| per |coefficient| for the second
+// term (within 26.2 u) and 80 u per |coefficient| for the third (79.3 u).
+constexpr double kArc2Bound = 27.1 * RoundingCheck::kU;
+constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
+
+// meridionalArc from the library's sines and cosines of dp = phi - phi0 and sp = phi +
+// phi0, which the callers have at hand: the first two terms are then the plain ones, and
+// the terms of the doubled and tripled angles, whose coefficients n^2 and n^3 make them
+// small, come from identities. False (arc untouched) where the sums might round apart.
+bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
+                           double sinSp, double cosSp, double& arc)
+{
+    using RoundingCheck::sumRoundsAlike;
+    const double sum1 = s.arc[0] * dp - s.arc[1] * sinDp * cosSp;
+    const double sin2Dp = 2.0 * sinDp * cosDp;
+    const double cos2Dp = (cosDp - sinDp) * (cosDp + sinDp);
+    const double sin2Sp = 2.0 * sinSp * cosSp;
+    const double cos2Sp = (cosSp - sinSp) * (cosSp + sinSp);
+    const double sin3Dp = sin2Dp * cosDp + cos2Dp * sinDp;
+    const double cos3Sp = cos2Sp * cosSp - sin2Sp * sinSp;
+    const double term2 = s.arc[2] * sin2Dp * cos2Sp;
+    const double term3 = s.arc[3] * sin3Dp * cos3Sp;
+    const double sum2 = sum1 + term2;
+    const double sum3 = sum2 - term3;
+    if (!sumRoundsAlike(sum1, term2, sum2, s.arc2Bound * std::fabs(sin2Dp)) ||
+        !sumRoundsAlike(sum2, -term3, sum3, s.arc3Bound))
+        return false;
+    arc = r.bF0 * sum3;
+    return true;
+}
+
+// meridionalArc at phi; where phi0 is 0, sinPhi and cosPhi are the library's sine and
+// cosine of phi, which the callers need anyway.
+double meridionalArc(const OsGridRow& r, const OsSeries& s, double phi, double sinPhi, double cosPhi)
+{
+    double arc;
+    if (r.phi0 == 0.0) {
+        // phi - 0 is phi, and phi + 0 differs from it at most in the sign of a zero.
+        if (std::fabs(phi) <= kArcShortcutAngle &&
+            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, arc))
+            return arc;
+    } else {
+        const double dp = phi - r.phi0;
+        const double sp = phi + r.phi0;
+        if (std::fabs(dp) <= kArcShortcutAngle && std::fabs(sp) <= kArcShortcutAngle &&
+            meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), arc))
+            return arc;
+    }
+    return meridionalArc(r, s.n, phi);
+}
+
+// The inverse's residual settles below this (metres).
+constexpr double kSettled = 0.001;
+// Beyond this northing from the origin (metres, about 4.7 radians of latitude) the
+// inverse takes every step of its iteration; below it, the arc's rounding errors stay
+// under 3e-8 m and kSettledSlack covers them.
+constexpr double kFewStepsNorthing = 3.0e7;
+constexpr double kSettledSlack = 1e-6;
+
 } // namespace
 
-GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position)
+OsSeries::OsSeries(const OsGridRow& r)
+{
+    n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
+    e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double n2 = n * n;
+    const double n3 = n2 * n;
+    arc[0] = 1.0 + n + 1.25 * n2 + 1.25 * n3;
+    arc[1] = 3.0 * n + 3.0 * n2 + 2.625 * n3;
+    arc[2] = 1.875 * (n2 + n3);
+    arc[3] = 35.0 / 24.0 * n3;
+    arc2Bound = kArc2Bound * std::fabs(arc[2]);
+    arc3Bound = kArc3Bound * std::fabs(arc[3]);
+    // M'(phi) = bF0 (arc0 - arc1 cos 2phi + 2 arc2 cos 4phi - 3 arc3 cos 6phi) whatever
+    // phi0 is; by the mean value theorem the next residual is the last one times
+    // 1 - M'/aF0 somewhere, plus rounding.
+    const double spread = std::fabs(arc[1]) + 2.0 * std::fabs(arc[2]) + 3.0 * std::fabs(arc[3]);
+    const double ratio = r.bF0 / r.aF0;
+    contraction =
+        std::fmax(std::fabs(1.0 - ratio * (arc[0] - spread)), std::fabs(1.0 - ratio * (arc[0] + spread))) *
+        1.001;
+}
+
+GridPoint osTmForward(const OsGridRow& r, const OsSeries& s, const GeoPoint& position)
 {
     const double phi = position.lat * kGridDegToRad;
-    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
-    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double e2 = s.e2;
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
     const double tan2 = std::tan(phi) * std::tan(phi);
@@ -373,7 +464,7 @@ GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position)
         nu / 120.0 * cos5 * (5.0 - 18.0 * tan2 + tan2 * tan2 + 14.0 * eta2 - 58.0 * tan2 * eta2);
     const double easting = r.E0 + dl * (iv + dl2 * (v + dl2 * vi));
 
-    const double i = meridionalArc(r, n, phi) + r.N0;
+    const double i = meridionalArc(r, s, phi, sinPhi, cosPhi) + r.N0;
     const double ii = nu / 2.0 * sinPhi * cosPhi;
     const double iii = nu / 24.0 * sinPhi * cos3 * (5.0 - tan2 + 9.0 * eta2);
     const double iiia = nu / 720.0 * sinPhi * cos5 * (61.0 - 58.0 * tan2 + tan2 * tan2);
@@ -381,27 +472,45 @@ GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position)
     return {easting, northing};
 }
 
-std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid)
+std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const GridPoint& grid)
 {
     if (!std::isfinite(grid.easting) || !std::isfinite(grid.northing))
         return std::nullopt;
-    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
-    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double e2 = s.e2;
     const double dn = grid.northing - r.N0;
     double phi = dn / r.aF0 + r.phi0;
     // Each step gains two to three digits, so a sane northing needs four or five; a
-    // northing far beyond the poles never settles and is refused.
+    // northing far beyond the poles never settles and is refused. The step whose
+    // residual is small enough that the next one must settle ends the iteration there:
+    // the next would only confirm it and leave phi as it is.
+    const bool fewSteps = std::fabs(dn) < kFewStepsNorthing;
+    constexpr int kMaxSteps = 50;
     bool settled = false;
-    for (int step = 0; step < 50 && !settled; ++step) {
-        const double residual = dn - meridionalArc(r, n, phi);
-        settled = std::fabs(residual) < 0.001;
-        if (!settled)
+    double sinPhi = 0.0;
+    double cosPhi = 0.0;
+    bool trigOfPhi = false; // sinPhi and cosPhi belong to the final phi
+    for (int step = 0; step < kMaxSteps && !settled; ++step) {
+        if (r.phi0 == 0.0) {
+            sinPhi = std::sin(phi);
+            cosPhi = std::cos(phi);
+        }
+        const double residual = dn - meridionalArc(r, s, phi, sinPhi, cosPhi);
+        settled = std::fabs(residual) < kSettled;
+        trigOfPhi = r.phi0 == 0.0;
+        if (!settled) {
             phi += residual / r.aF0;
+            trigOfPhi = false;
+            settled = fewSteps && step + 1 < kMaxSteps &&
+                      std::fabs(residual) * s.contraction + kSettledSlack < kSettled;
+        }
     }
     if (!settled)
         return std::nullopt;
+    if (!trigOfPhi) {
+        sinPhi = std::sin(phi);
+        cosPhi = std::cos(phi);
+    }
 
-    const double sinPhi = std::sin(phi);
     const double w = 1.0 - e2 * sinPhi * sinPhi;
     const double nu = r.aF0 / std::sqrt(w);
     const double rho = nu * (1.0 - e2) / w;
@@ -409,7 +518,7 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid)
     const double t = std::tan(phi);
     const double t2 = t * t;
     const double t4 = t2 * t2;
-    const double sec = 1.0 / std::cos(phi);
+    const double sec = 1.0 / cosPhi;
     const double de = grid.easting - r.E0;
     const double de2 = de * de;
     const double nu3 = nu * nu * nu;
@@ -625,10 +734,23 @@ std::optional<OsGridRow> gridRow(int g, long zoneMeridian)
                      z.falseNorthing,    z.falseEasting};
 }
 
-std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian)
+const OsSeries& gridSeries(int g)
 {
-    if (!validGridPosition(lat, lon))
-        return std::nullopt;
+    // The UTM grids' rows differ in their meridian only, which the series leaves out.
+    static const struct Table
+    {
+        std::optional<OsSeries> series[kLastGrid + 1];
+        Table()
+        {
+            for (int g = 1; g <= kLastGrid; ++g)
+                series[g].emplace(*gridRow(g, 0));
+        }
+    } table;
+    return *table.series[g];
+}
+
+std::optional<OsGrid> forwardGrid(int grid, long zoneMeridian)
+{
     const int g = absGrid(grid);
     // Only the two grids of the original UTM pair check their meridian.
     if ((g == 3 || g == 4) && !(zoneMeridian >= -180 && zoneMeridian <= 180))
@@ -636,10 +758,25 @@ std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zone
     const std::optional<OsGridRow> row = gridRow(g, zoneMeridian);
     if (!row)
         return std::nullopt;
-    const GridPoint p = osTmForward(*row, {lat, lon});
+    return OsGrid{*row, &gridSeries(g)};
+}
+
+GridPoint gridForward(const OsGrid& grid, double lat, double lon)
+{
+    const GridPoint p = osTmForward(grid.row, *grid.series, {lat, lon});
     // The half-centimetre offsets in opposite directions are part of every grid value
     // the applications have stored.
     return GridPoint{p.easting - 0.005, p.northing + 0.005};
+}
+
+std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian)
+{
+    if (!validGridPosition(lat, lon))
+        return std::nullopt;
+    const std::optional<OsGrid> g = forwardGrid(grid, zoneMeridian);
+    if (!g)
+        return std::nullopt;
+    return gridForward(*g, lat, lon);
 }
 
 GridReferenceResult gridReference(double lat, double lon, int grid)

@@ -177,13 +177,36 @@ struct OsGridRow
     double E0;
 };
 
+/// What the Ordnance Survey series needs of a row besides the row itself, computed once
+/// per grid exactly as the series has always computed it: n, e^2 and the coefficients
+/// of the meridional arc, with the bounds that its shortcuts rely on (geodesy.cpp).
+struct OsSeries
+{
+    explicit OsSeries(const OsGridRow& r);
+
+    double n;
+    double e2;
+    /// Coefficients of dp, sin dp cos sp, sin 2dp cos 2sp and sin 3dp cos 3sp, where
+    /// dp and sp are the latitude less and plus the latitude of origin.
+    double arc[4];
+    /// Bound on the difference of the shortcut's sin 2dp cos 2sp term, per |sin 2dp|.
+    double arc2Bound;
+    /// Bound on the difference of the shortcut's sin 3dp cos 3sp term.
+    double arc3Bound;
+    /// At most 1 - M'/aF0 in size for every latitude: each step of the inverse's
+    /// iteration leaves at most this fraction of the residual.
+    double contraction;
+};
+/// The series of grid g (1 to 18, the rows of gridRow), built on first use.
+const OsSeries& gridSeries(int g);
+
 /// The Ordnance Survey's series (about 1 mm within 3.5 degrees of the central
 /// meridian, 0.1 m at 6), angles through kGridDegToRad. No check of the input.
-GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position);
+GridPoint osTmForward(const OsGridRow& r, const OsSeries& s, const GeoPoint& position);
 /// Its inverse: iterates the meridional arc to 1 mm. nullopt for non-finite input or
 /// a northing so far beyond the poles that it never settles; either value of the
 /// result may still be non-finite far from the meridian.
-std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid);
+std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const GridPoint& grid);
 
 /// Scale, false easting and southern false northing of UTM.
 constexpr double kUtmScale = 0.9996;
@@ -231,6 +254,17 @@ bool validGridPosition(double lat, double lon);
 /// LL2TM's easting and northing, with its deliberate offsets of -5 mm easting and
 /// +5 mm northing; nullopt where LL2TM gives -1.0.
 std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian);
+/// A grid's row with its series, for converting many positions.
+struct OsGrid
+{
+    OsGridRow row;
+    const OsSeries* series;
+};
+/// The grid LL2TM uses for grid and zoneMeridian; nullopt where LL2TM gives -1.0 for
+/// every position.
+std::optional<OsGrid> forwardGrid(int grid, long zoneMeridian);
+/// gridForward of a position that validGridPosition accepts.
+GridPoint gridForward(const OsGrid& grid, double lat, double lon);
 
 /// A British ("TG", grid 1), Irish ("O", grid 2) or MGRS (any other grid) reference.
 struct GridReference

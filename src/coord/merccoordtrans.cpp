@@ -1,10 +1,12 @@
 #include "coord/merccoordtrans.h"
 
+#include "coord/arrayresult_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Geodesy;
@@ -17,18 +19,45 @@ constexpr int kLastInverseGrid = 12;
 // Latitude and longitude in degrees of a position of grid g (1 to 12), each -1.0 where
 // it cannot be had: unknown grid, non-finite input or result, a northing far beyond the
 // poles. TM2LL picks one of the two; GR2LL's readers want both from one iteration.
-void gridToLatLong(int g, long zoneMeridian, const GridPoint& grid, double& lat, double& lon)
+// True when both could be had.
+bool gridToLatLong(int g, long zoneMeridian, const GridPoint& grid, double& lat, double& lon)
 {
     lat = -1.0;
     lon = -1.0;
     const std::optional<OsGridRow> row = g <= kLastInverseGrid ? gridRow(g, zoneMeridian) : std::nullopt;
-    const std::optional<GeoPoint> p = row ? osTmInverse(*row, grid) : std::nullopt;
+    const std::optional<GeoPoint> p = row ? osTmInverse(*row, gridSeries(g), grid) : std::nullopt;
     if (!p)
-        return;
+        return false;
     if (std::isfinite(p->lat))
         lat = p->lat;
     if (std::isfinite(p->lon))
         lon = p->lon;
+    return std::isfinite(p->lat) && std::isfinite(p->lon);
+}
+
+// Why LL2TM refuses a position (validGridPosition false).
+QString gridPositionProblem(double lat, double lon)
+{
+    if (std::isnan(lat) || std::isnan(lon))
+        return QStringLiteral("%1 is not a number")
+            .arg(std::isnan(lat) ? QStringLiteral("latitude") : QStringLiteral("longitude"));
+    const bool badLat = !(std::fabs(lat) < 91.0);
+    return badLat ? QStringLiteral("latitude %1 is outside -90 to 90").arg(arrayValueText(lat))
+                  : QStringLiteral("longitude %1 is outside -180 to 180").arg(arrayValueText(lon));
+}
+
+// Why TM2LL gives no latitude or longitude for a position of a known grid.
+QString inverseProblem(const GridPoint& grid, const std::optional<GeoPoint>& p)
+{
+    if (!std::isfinite(grid.easting))
+        return QStringLiteral("easting %1 is not a finite number").arg(arrayValueText(grid.easting));
+    if (!std::isfinite(grid.northing))
+        return QStringLiteral("northing %1 is not a finite number").arg(arrayValueText(grid.northing));
+    if (!p)
+        return QStringLiteral("northing %1 lies so far beyond the poles that the latitude does not settle")
+            .arg(arrayValueText(grid.northing));
+    return QStringLiteral("easting %1 lies too far from the central meridian")
+        .arg(arrayValueText(grid.easting));
 }
 
 // The value of 0 to 10 digits split evenly between easting and northing, in metres
@@ -103,6 +132,83 @@ double CMercCoordTrans::TM2LL(bool wantLatitude, double easting, double northing
     double lat, lon;
     gridToLatLong(absGrid(grid), zoneMeridian, {easting, northing}, lat, lon);
     return wantLatitude ? lat : lon;
+}
+
+bool CMercCoordTrans::LL2TM(double lat, double lon, int grid, long zoneMeridian, double& easting,
+                            double& northing) const
+{
+    const std::optional<GridPoint> p = gridForward(lat, lon, grid, zoneMeridian);
+    easting = p ? p->easting : -1.0;
+    northing = p ? p->northing : -1.0;
+    return p.has_value();
+}
+
+bool CMercCoordTrans::TM2LL(double easting, double northing, int grid, long zoneMeridian, double& lat,
+                            double& lon) const
+{
+    return gridToLatLong(absGrid(grid), zoneMeridian, {easting, northing}, lat, lon);
+}
+
+ArrayResult CMercCoordTrans::LL2TM(std::size_t count, const double* lat, const double* lon, int grid,
+                                   long zoneMeridian, double* easting, double* northing) const
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {lat, lon, easting, northing}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    const std::optional<OsGrid> g = forwardGrid(grid, zoneMeridian);
+    if (!g) {
+        std::fill(easting, easting + count, kArrayFailure);
+        std::fill(northing, northing + count, kArrayFailure);
+        const int a = absGrid(grid);
+        return failures.all(count,
+                            a >= 1 && a <= 18
+                                ? QStringLiteral("zone meridian %1 is outside -180 to 180").arg(zoneMeridian)
+                                : QStringLiteral("grid %1 is not one of 1 to 18").arg(grid));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!validGridPosition(lat[i], lon[i])) {
+            easting[i] = kArrayFailure;
+            northing[i] = kArrayFailure;
+            if (failures.fail(i))
+                failures.because(gridPositionProblem(lat[i], lon[i]));
+            continue;
+        }
+        const GridPoint p = gridForward(*g, lat[i], lon[i]);
+        easting[i] = p.easting;
+        northing[i] = p.northing;
+    }
+    return failures.result();
+}
+
+ArrayResult CMercCoordTrans::TM2LL(std::size_t count, const double* easting, const double* northing, int grid,
+                                   long zoneMeridian, double* lat, double* lon) const
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {easting, northing, lat, lon}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    const int g = absGrid(grid);
+    const std::optional<OsGridRow> row = g <= kLastInverseGrid ? gridRow(g, zoneMeridian) : std::nullopt;
+    if (!row) {
+        std::fill(lat, lat + count, kArrayFailure);
+        std::fill(lon, lon + count, kArrayFailure);
+        return failures.all(count,
+                            QStringLiteral("grid %1 is not one of 1 to 12, the grids TM2LL knows").arg(grid));
+    }
+    const OsSeries& series = gridSeries(g);
+    for (std::size_t i = 0; i < count; ++i) {
+        const GridPoint position{easting[i], northing[i]};
+        const std::optional<GeoPoint> p = osTmInverse(*row, series, position);
+        if (p && std::isfinite(p->lat) && std::isfinite(p->lon)) {
+            lat[i] = p->lat;
+            lon[i] = p->lon;
+            continue;
+        }
+        lat[i] = kArrayFailure;
+        lon[i] = kArrayFailure;
+        if (failures.fail(i))
+            failures.because(inverseProblem(position, p));
+    }
+    return failures.result();
 }
 
 long CMercCoordTrans::UTMCM(double lat, double lon) const

@@ -1,7 +1,9 @@
 #include "coord/utm.h"
 
+#include "coord/arrayresult_p.h"
 #include "coord/geodesy_p.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Geodesy;
@@ -57,4 +59,83 @@ void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, doubl
     }
     lat = p.lat;
     lon = p.lon;
+}
+
+namespace {
+
+QString ellipsoidProblem(int ellipsoid)
+{
+    return QStringLiteral("ellipsoid %1 is not one of 1 to 23").arg(ellipsoid);
+}
+
+} // namespace
+
+ArrayResult LLtoUTM(int ellipsoid, std::size_t count, const double* lat, const double* lon, double* northing,
+                    double* easting, int* zone, char* band)
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {lat, lon, northing, easting, zone, band}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    for (std::size_t i = 0; i < count; ++i) {
+        const LegacyUtmResult r = legacyUtm(ellipsoid, lat[i], lon[i]);
+        if (r.point) {
+            northing[i] = r.point->grid.northing;
+            easting[i] = r.point->grid.easting;
+            zone[i] = r.point->zone;
+            band[i] = r.point->band;
+            continue;
+        }
+        northing[i] = kArrayFailure;
+        easting[i] = kArrayFailure;
+        zone[i] = 0;
+        band[i] = 0;
+        if (failures.fail(i))
+            failures.because(
+                QLatin1String(r.failure) == QLatin1String("#INVALID ELLIPSOID") ? ellipsoidProblem(ellipsoid)
+                : QLatin1String(r.failure) == QLatin1String("#INVALID LATITUDE")
+                    ? QStringLiteral("latitude %1 is outside -90 to 90").arg(arrayValueText(lat[i]))
+                    : QStringLiteral("longitude %1 is not a finite number").arg(arrayValueText(lon[i])));
+    }
+    return failures.result();
+}
+
+ArrayResult UTMtoLL(int ellipsoid, std::size_t count, const double* northing, const double* easting,
+                    const int* zone, const char* band, double* lat, double* lon)
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {northing, easting, zone, band, lat, lon}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    const UtmEllipsoid* e = ellipsoid >= 1 ? legacyUtmEllipsoid(ellipsoid) : nullptr;
+    if (!e) {
+        std::fill(lat, lat + count, kArrayFailure);
+        std::fill(lon, lon + count, kArrayFailure);
+        return failures.all(count, ellipsoidProblem(ellipsoid));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const char letter = band[i] >= 'a' && band[i] <= 'z' ? char(band[i] - 'a' + 'A') : band[i];
+        const bool zoneOk = validUtmZone(zone[i]) && letter >= 'A' && letter <= 'Z';
+        if (zoneOk && std::isfinite(northing[i]) && std::isfinite(easting[i])) {
+            const double fromEquator = letter >= 'N' ? northing[i] : northing[i] - kUtmFalseNorthingSouth;
+            const GeoPoint p =
+                legacyUtmInverse(e->equatorialRadius, e->eccentricitySquared,
+                                 double(utmCentralMeridian(zone[i])), {easting[i], fromEquator});
+            if (std::isfinite(p.lat) && std::isfinite(p.lon)) {
+                lat[i] = p.lat;
+                lon[i] = p.lon;
+                continue;
+            }
+        }
+        lat[i] = kArrayFailure;
+        lon[i] = kArrayFailure;
+        if (failures.fail(i))
+            failures.because(!zoneOk ? QStringLiteral("zone %1 band %2 is not a UTM zone and band")
+                                           .arg(zone[i])
+                                           .arg(QLatin1Char(band[i] ? band[i] : '?'))
+                             : !std::isfinite(northing[i]) || !std::isfinite(easting[i])
+                                 ? QStringLiteral("northing %1 or easting %2 is not a finite number")
+                                       .arg(arrayValueText(northing[i]), arrayValueText(easting[i]))
+                                 : QStringLiteral("easting %1 lies too far from the central meridian")
+                                       .arg(arrayValueText(easting[i])));
+    }
+    return failures.result();
 }
