@@ -2,7 +2,8 @@
 # Sets up a Debian 12 machine (as root) and builds KvBase.
 #   ./setup.sh run     build and run the main program
 #   ./setup.sh test    build and run every test through CTest
-#   ./setup.sh bench   build and run the benchmarks (with the peer libraries)
+#   ./setup.sh bench   build and run the benchmarks (with the peer libraries) and print
+#                      the table of medians and ratios, also written into README.md
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -15,7 +16,7 @@ cmake_args=()
 case "$mode" in
     run | test) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config python3)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
@@ -43,8 +44,7 @@ case "$mode" in
     run) "$build_dir/examples/kvbase_demo" "$@" ;;
     test) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
     bench)
-        for b in "$build_dir"/bench/bench_*; do
-            if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
-        done
+        # One table of medians with ratios to the peers, also written into README.md.
+        python3 bench/bench_table.py --build-dir "$build_dir" --readme README.md "$@"
         ;;
 esac
