@@ -539,9 +539,106 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const
 
 // ---- Transverse Mercator: the series of LLtoUTM and UTMtoLL ---------------------------
 
-GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double centralMeridian)
+LegacyUtmSeries::LegacyUtmSeries(double a, double e2) : a(a), e2(e2)
 {
-    const double ep2 = e2 / (1.0 - e2);
+    ep2 = e2 / (1.0 - e2);
+    const double e4 = e2 * e2;
+    const double e6 = e4 * e2;
+    m[0] = 1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e6 / 256.0;
+    m[1] = 3.0 * e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0;
+    m[2] = 15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0;
+    m[3] = 35.0 * e6 / 3072.0;
+    // The inverse has always taken e^6 as e^4 e^2 here, rounded apart from e6 above.
+    mu = a * (1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e4 * e2 / 256.0);
+    const double e1 = (1.0 - std::sqrt(1.0 - e2)) / (1.0 + std::sqrt(1.0 - e2));
+    j[0] = 3.0 * e1 / 2.0 - 27.0 * e1 * e1 * e1 / 32.0;
+    j[1] = 21.0 * e1 * e1 / 16.0 - 55.0 * e1 * e1 * e1 * e1 / 32.0;
+    j[2] = 151.0 * e1 * e1 * e1 / 96.0;
+}
+
+const LegacyUtmSeries* legacyUtmSeries(int ellipsoid)
+{
+    static const struct Table
+    {
+        std::optional<LegacyUtmSeries> series[UtmEllipsoidCount];
+        Table()
+        {
+            for (int i = 1; i < UtmEllipsoidCount; ++i)
+                series[i].emplace(kLegacyUtmEllipsoids[i].equatorialRadius,
+                                  kLegacyUtmEllipsoids[i].eccentricitySquared);
+        }
+    } table;
+    return ellipsoid >= 1 && ellipsoid < UtmEllipsoidCount ? &*table.series[ellipsoid] : nullptr;
+}
+
+namespace {
+
+// Bounds of the series' shortcuts below (see meridionalArcShortcut for the method),
+// with g = kLibmError: 2 sin x cos x is within (3g + u)|sin 2x| of the library's sin 2x,
+// so the product with its coefficient c within 9.1 u |c sin 2x|; 2 sin 2x cos 2x from
+// 2 sin x cos x within 42.1 u |2 sin x cos x| of sin 4x, 48 u per |c| with the product's
+// roundings; the sixfold angle within 130 u (taken as 202 u per |c|, its
+// coefficients being e^6 and e1^3).
+constexpr double kLegacyDoubleBound = 9.1 * RoundingCheck::kU;
+constexpr double kLegacyFourfoldBound = 48.0 * RoundingCheck::kU;
+constexpr double kLegacySixfoldBound = 202.0 * RoundingCheck::kU;
+
+// The meridian arc of the forward from the library's sin phi and cos phi: the multiple
+// angles by identities where the sums provably round alike, else the library's.
+double legacyArc(const LegacyUtmSeries& s, double phi, double sinPhi, double cosPhi)
+{
+    using RoundingCheck::sumRoundsAlike;
+    if (std::fabs(phi) <= kArcShortcutAngle) {
+        const double sin2 = 2.0 * sinPhi * cosPhi;
+        const double cos2 = (cosPhi - sinPhi) * (cosPhi + sinPhi);
+        const double sin4 = 2.0 * sin2 * cos2;
+        const double cos4 = (cos2 - sin2) * (cos2 + sin2);
+        const double sin6 = sin4 * cos2 + cos4 * sin2;
+        const double term0 = s.m[0] * phi;
+        const double term2 = s.m[1] * sin2;
+        const double term4 = s.m[2] * sin4;
+        const double term6 = s.m[3] * sin6;
+        const double sum2 = term0 - term2;
+        const double sum4 = sum2 + term4;
+        const double sum6 = sum4 - term6;
+        if (sumRoundsAlike(term0, -term2, sum2, kLegacyDoubleBound * std::fabs(term2)) &&
+            sumRoundsAlike(sum2, term4, sum4, kLegacyFourfoldBound * std::fabs(s.m[2] * sin2)) &&
+            sumRoundsAlike(sum4, -term6, sum6, kLegacySixfoldBound * std::fabs(s.m[3])))
+            return s.a * sum6;
+    }
+    return s.a * (s.m[0] * phi - s.m[1] * std::sin(2.0 * phi) + s.m[2] * std::sin(4.0 * phi) -
+                  s.m[3] * std::sin(6.0 * phi));
+}
+
+// The footpoint latitude of the inverse from the library's sin 2mu and cos 2mu.
+double legacyFootpoint(const LegacyUtmSeries& s, double mu)
+{
+    using RoundingCheck::sumRoundsAlike;
+    if (std::fabs(mu) <= kArcShortcutAngle) {
+        const double sin2 = std::sin(2.0 * mu);
+        const double cos2 = std::cos(2.0 * mu);
+        const double sin4 = 2.0 * sin2 * cos2;
+        const double cos4 = (cos2 - sin2) * (cos2 + sin2);
+        const double sin6 = sin4 * cos2 + cos4 * sin2;
+        const double sum2 = mu + s.j[0] * sin2;
+        const double term4 = s.j[1] * sin4;
+        const double term6 = s.j[2] * sin6;
+        const double sum4 = sum2 + term4;
+        const double sum6 = sum4 + term6;
+        if (sumRoundsAlike(sum2, term4, sum4, kLegacyDoubleBound * std::fabs(term4)) &&
+            sumRoundsAlike(sum4, term6, sum6, kLegacySixfoldBound * std::fabs(s.j[2])))
+            return sum6;
+    }
+    return mu + s.j[0] * std::sin(2.0 * mu) + s.j[1] * std::sin(4.0 * mu) + s.j[2] * std::sin(6.0 * mu);
+}
+
+} // namespace
+
+GridPoint legacyUtmForward(const LegacyUtmSeries& s, double lat, double lon, double centralMeridian)
+{
+    const double a = s.a;
+    const double e2 = s.e2;
+    const double ep2 = s.ep2;
     const double phi = lat * kLegacyUtmDegToRad;
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
@@ -550,12 +647,7 @@ GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double c
     const double t = tanPhi * tanPhi;
     const double c = ep2 * cosPhi * cosPhi;
     const double A = cosPhi * (lon - centralMeridian) * kLegacyUtmDegToRad;
-    const double e4 = e2 * e2;
-    const double e6 = e4 * e2;
-    const double m = a * ((1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e6 / 256.0) * phi -
-                          (3.0 * e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0) * std::sin(2.0 * phi) +
-                          (15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0) * std::sin(4.0 * phi) -
-                          (35.0 * e6 / 3072.0) * std::sin(6.0 * phi));
+    const double m = legacyArc(s, phi, sinPhi, cosPhi);
     const double A2 = A * A;
 
     const double easting = kUtmScale * n *
@@ -569,18 +661,16 @@ GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double c
     return {easting, northing};
 }
 
-GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const GridPoint& grid)
+GeoPoint legacyUtmInverse(const LegacyUtmSeries& s, double centralMeridian, const GridPoint& grid)
 {
-    const double ep2 = e2 / (1.0 - e2);
-    const double e1 = (1.0 - std::sqrt(1.0 - e2)) / (1.0 + std::sqrt(1.0 - e2));
+    const double a = s.a;
+    const double e2 = s.e2;
+    const double ep2 = s.ep2;
     const double x = grid.easting - kUtmFalseEasting;
     const double y = grid.northing;
 
-    const double e4 = e2 * e2;
-    const double mu = y / kUtmScale / (a * (1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e4 * e2 / 256.0));
-    const double phi1 = mu + (3.0 * e1 / 2.0 - 27.0 * e1 * e1 * e1 / 32.0) * std::sin(2.0 * mu) +
-                        (21.0 * e1 * e1 / 16.0 - 55.0 * e1 * e1 * e1 * e1 / 32.0) * std::sin(4.0 * mu) +
-                        (151.0 * e1 * e1 * e1 / 96.0) * std::sin(6.0 * mu);
+    const double mu = y / kUtmScale / s.mu;
+    const double phi1 = legacyFootpoint(s, mu);
     const double sinPhi1 = std::sin(phi1);
     const double cosPhi1 = std::cos(phi1);
     const double tanPhi1 = std::tan(phi1);
@@ -606,8 +696,8 @@ GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const Gri
 
 LegacyUtmResult legacyUtm(int ellipsoid, double lat, double lon)
 {
-    const UtmEllipsoid* e = ellipsoid >= 1 ? legacyUtmEllipsoid(ellipsoid) : nullptr;
-    if (!e)
+    const LegacyUtmSeries* series = legacyUtmSeries(ellipsoid);
+    if (!series)
         return {std::nullopt, "#INVALID ELLIPSOID"};
     if (!(std::fabs(lat) <= 90.0))
         return {std::nullopt, "#INVALID LATITUDE"};
@@ -624,8 +714,7 @@ LegacyUtmResult legacyUtm(int ellipsoid, double lat, double lon)
     UtmPoint p;
     p.zone = zone;
     p.band = bandLetter(lat).value_or('Z');
-    p.grid = legacyUtmForward(e->equatorialRadius, e->eccentricitySquared, lat, lonTemp,
-                              double(utmCentralMeridian(zone)));
+    p.grid = legacyUtmForward(*series, lat, lonTemp, double(utmCentralMeridian(zone)));
     if (lat < 0.0)
         p.grid.northing += kUtmFalseNorthingSouth;
     return {p, nullptr};

@@ -213,11 +213,27 @@ constexpr double kUtmScale = 0.9996;
 constexpr double kUtmFalseEasting = 500000.0;
 constexpr double kUtmFalseNorthingSouth = 10000000.0;
 
-/// The series of LLtoUTM (Snyder's, to e^6) on a radius and e^2, the forward with
-/// kLegacyUtmDegToRad. Northing counted from the equator (negative south). No checks.
-GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double centralMeridian);
+/// The constants of the series of LLtoUTM and UTMtoLL on one ellipsoid of their table,
+/// computed as the series has always computed them.
+struct LegacyUtmSeries
+{
+    LegacyUtmSeries(double a, double e2);
+
+    double a;
+    double e2;
+    double ep2;   ///< second eccentricity squared
+    double m[4];  ///< meridian arc: coefficients of phi, sin 2phi, sin 4phi, sin 6phi
+    double mu;    ///< a (1 - e2/4 - 3e4/64 - 5e6/256) as the inverse divides by it
+    double j[3];  ///< footpoint latitude: coefficients of sin 2mu, sin 4mu, sin 6mu
+};
+/// The series of ellipsoid 1 to 23 of legacyUtmEllipsoid; nullptr for other indexes.
+const LegacyUtmSeries* legacyUtmSeries(int ellipsoid);
+
+/// The series of LLtoUTM (Snyder's, to e^6), the forward with kLegacyUtmDegToRad.
+/// Northing counted from the equator (negative south). No checks.
+GridPoint legacyUtmForward(const LegacyUtmSeries& s, double lat, double lon, double centralMeridian);
 /// The series of UTMtoLL, with the exact factor. No checks; may be non-finite.
-GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const GridPoint& grid);
+GeoPoint legacyUtmInverse(const LegacyUtmSeries& s, double centralMeridian, const GridPoint& grid);
 
 /// A UTM position as parts.
 struct UtmPoint

@@ -16,6 +16,40 @@ void invalid(double& a, double& b)
     b = -1.0;
 }
 
+// The zone text "%d%c" of LLtoUTM: zones 1 to 60 with a capital band letter come from a
+// table built once, so that a conversion costs no allocation.
+QString zoneText(int zone, char band)
+{
+    constexpr int kBandLetters = 26;
+    static const struct Table
+    {
+        QString text[60][kBandLetters];
+        Table()
+        {
+            for (int z = 1; z <= 60; ++z)
+                for (int b = 0; b < kBandLetters; ++b)
+                    text[z - 1][b] = QString::number(z) + QLatin1Char(char('A' + b));
+        }
+    } table;
+    if (validUtmZone(zone) && band >= 'A' && band <= 'Z')
+        return table.text[zone - 1][band - 'A'];
+    return QString::number(zone) + QLatin1Char(band);
+}
+
+// The number of the leading digits (at most three) of a zone text, as QString::toInt
+// reads them; 0 for none.
+int zoneNumber(const QString& zone, int digits)
+{
+    int number = 0;
+    for (int i = 0; i < digits; ++i) {
+        const ushort c = zone.at(i).unicode();
+        if (c < '0' || c > '9') // a digit of another script: as toInt has it
+            return zone.left(digits).toInt();
+        number = number * 10 + (c - '0');
+    }
+    return number;
+}
+
 } // namespace
 
 const UtmEllipsoid* GetUtmEllipsoid(int ellipsoid)
@@ -33,7 +67,7 @@ void LLtoUTM(int ellipsoid, double lat, double lon, double& northing, double& ea
     }
     northing = r.point->grid.northing;
     easting = r.point->grid.easting;
-    zone = QString::number(r.point->zone) + QLatin1Char(r.point->band);
+    zone = zoneText(r.point->zone, r.point->band);
 }
 
 void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, double& lat, double& lon)
@@ -41,18 +75,17 @@ void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, doubl
     int digits = 0;
     while (digits < zone.size() && digits < 3 && zone.at(digits).isDigit())
         ++digits;
-    const int zoneNumber = zone.left(digits).toInt();
+    const int number = zoneNumber(zone, digits);
     const QChar letter = digits < zone.size() ? zone.at(digits).toUpper() : QChar();
-    const UtmEllipsoid* e = ellipsoid >= 1 ? legacyUtmEllipsoid(ellipsoid) : nullptr;
-    if (!e || !validUtmZone(zoneNumber) || letter < QLatin1Char('A') || letter > QLatin1Char('Z') ||
+    const LegacyUtmSeries* series = legacyUtmSeries(ellipsoid);
+    if (!series || !validUtmZone(number) || letter < QLatin1Char('A') || letter > QLatin1Char('Z') ||
         !std::isfinite(northing) || !std::isfinite(easting)) {
         invalid(lat, lon);
         return;
     }
     // Bands N to Z are northern; the southern ones count from the false northing.
     const double fromEquator = letter >= QLatin1Char('N') ? northing : northing - kUtmFalseNorthingSouth;
-    const GeoPoint p = legacyUtmInverse(e->equatorialRadius, e->eccentricitySquared,
-                                        double(utmCentralMeridian(zoneNumber)), {easting, fromEquator});
+    const GeoPoint p = legacyUtmInverse(*series, double(utmCentralMeridian(number)), {easting, fromEquator});
     if (!std::isfinite(p.lat) || !std::isfinite(p.lon)) {
         invalid(lat, lon);
         return;
@@ -105,8 +138,8 @@ ArrayResult UTMtoLL(int ellipsoid, std::size_t count, const double* northing, co
     ArrayFailures failures;
     if (!arraysGiven(count, {northing, easting, zone, band, lat, lon}))
         return failures.all(count, QStringLiteral("an array pointer is null"));
-    const UtmEllipsoid* e = ellipsoid >= 1 ? legacyUtmEllipsoid(ellipsoid) : nullptr;
-    if (!e) {
+    const LegacyUtmSeries* series = legacyUtmSeries(ellipsoid);
+    if (!series) {
         std::fill(lat, lat + count, kArrayFailure);
         std::fill(lon, lon + count, kArrayFailure);
         return failures.all(count, ellipsoidProblem(ellipsoid));
@@ -116,9 +149,7 @@ ArrayResult UTMtoLL(int ellipsoid, std::size_t count, const double* northing, co
         const bool zoneOk = validUtmZone(zone[i]) && letter >= 'A' && letter <= 'Z';
         if (zoneOk && std::isfinite(northing[i]) && std::isfinite(easting[i])) {
             const double fromEquator = letter >= 'N' ? northing[i] : northing[i] - kUtmFalseNorthingSouth;
-            const GeoPoint p =
-                legacyUtmInverse(e->equatorialRadius, e->eccentricitySquared,
-                                 double(utmCentralMeridian(zone[i])), {easting[i], fromEquator});
+            const GeoPoint p = legacyUtmInverse(*series, double(utmCentralMeridian(zone[i])), {easting[i], fromEquator});
             if (std::isfinite(p.lat) && std::isfinite(p.lon)) {
                 lat[i] = p.lat;
                 lon[i] = p.lon;
