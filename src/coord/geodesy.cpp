@@ -226,16 +226,17 @@ std::optional<SquareIndex> squareLetterIndex(QChar letter)
 namespace {
 
 // Rectifying radius and the coefficients of the forward (beta) and inverse (delta)
-// series of an ellipsoid.
+// series of an ellipsoid, and of the series between geographic and conformal latitude.
 struct KruegerSeries
 {
     double e2;
     double aRoof;
     double beta[4];
     double delta[4];
+    double toConformal[4];
 };
 
-KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
+KruegerSeries computeKruegerSeries(const Ellipsoid& ellipsoid)
 {
     const double f = ellipsoid.f;
     const double n = f / (2.0 - f);
@@ -251,7 +252,25 @@ KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
     s.delta[1] = n2 / 48.0 + n3 / 15.0 - 437.0 * n4 / 1440.0;
     s.delta[2] = 17.0 * n3 / 480.0 - 37.0 * n4 / 840.0;
     s.delta[3] = 4397.0 * n4 / 161280.0;
+    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
+    s.toConformal[0] = e2;
+    s.toConformal[1] = (5.0 * e4 - e6) / 6.0;
+    s.toConformal[2] = (104.0 * e6 - 45.0 * e8) / 120.0;
+    s.toConformal[3] = 1237.0 * e8 / 1260.0;
     return s;
+}
+
+// The series of GRS 80 and Bessel 1841, which every Swedish parameter set uses, are
+// built once.
+KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
+{
+    static const KruegerSeries grs80 = computeKruegerSeries(kGrs80);
+    static const KruegerSeries bessel = computeKruegerSeries(kBessel1841);
+    if (ellipsoid.a == kGrs80.a && ellipsoid.f == kGrs80.f)
+        return grs80;
+    if (ellipsoid.a == kBessel1841.a && ellipsoid.f == kBessel1841.f)
+        return bessel;
+    return computeKruegerSeries(ellipsoid);
 }
 
 // Sum over k = 1..4 of c[k-1] sin(2k(xi + i eta)), by Clenshaw's recurrence on the
@@ -282,12 +301,11 @@ void kruegerSum(const double c[4], double xi, double eta, double& re, double& im
 std::optional<GridPoint> tmForward(const TmParameters& p, const GeoPoint& position)
 {
     const KruegerSeries s = kruegerSeries(p.ellipsoid);
-    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
     // Conformal latitude
-    const double A = e2;
-    const double B = (5.0 * e4 - e6) / 6.0;
-    const double C = (104.0 * e6 - 45.0 * e8) / 120.0;
-    const double D = 1237.0 * e8 / 1260.0;
+    const double A = s.toConformal[0];
+    const double B = s.toConformal[1];
+    const double C = s.toConformal[2];
+    const double D = s.toConformal[3];
 
     const double phi = position.lat * kDegToRad;
     const double dl = position.lon * kDegToRad - p.centralMeridian * kDegToRad;
