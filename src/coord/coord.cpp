@@ -7,6 +7,8 @@
 
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
+#include "coord/latin1text_p.h"
+#include "coord/maskconverter_p.h"
 
 #include <QCoreApplication>
 
@@ -137,15 +139,34 @@ int millionths(double a)
     return int(std::trunc((a - std::trunc(a)) * 1000000.0 + 0.5));
 }
 
+// text.mid(pos, length).toInt() without building the piece: plain ASCII digits are
+// read here, anything else (signs, blanks, other digits) as toInt reads it.
+int intAt(const QString& text, int pos, int length)
+{
+    const int end = qMin(text.size(), pos + length);
+    if (pos >= end)
+        return 0;
+    if (end - pos > 9)
+        return text.mid(pos, length).toInt();
+    int value = 0;
+    for (int i = pos; i < end; ++i) {
+        const ushort c = text.at(i).unicode();
+        if (c < '0' || c > '9')
+            return text.mid(pos, length).toInt();
+        value = value * 10 + (c - '0');
+    }
+    return value;
+}
+
 // Half a hundredth of a second puts a read value into the middle of the
 // interval that the truncating GetText maps to the same text.
 double readSexagesimal(const QString& text, int degreesPos, int degreesLength, bool withHundredths)
 {
     const int minutesPos = degreesPos + degreesLength;
-    const int degrees = text.mid(degreesPos, degreesLength).toInt();
-    const int minutes = text.mid(minutesPos, 2).toInt();
-    const int seconds = text.mid(minutesPos + 2, 2).toInt();
-    const int hundredths = withHundredths ? text.mid(minutesPos + 4, 2).toInt() : 0;
+    const int degrees = intAt(text, degreesPos, degreesLength);
+    const int minutes = intAt(text, minutesPos, 2);
+    const int seconds = intAt(text, minutesPos + 2, 2);
+    const int hundredths = withHundredths ? intAt(text, minutesPos + 4, 2) : 0;
     return (hundredths / 100.0 + seconds + 0.005) / 3600.0 + minutes / 60.0 + degrees;
 }
 
@@ -181,8 +202,10 @@ QString utmText(double lon, double lat)
     const double northing = r.point->grid.northing + 0.5;
     if (!fitsInt(easting) || !fitsInt(northing))
         return QString();
-    return QString::asprintf(kNotations[cfUTM].format, r.point->zone, int(r.point->band),
-                             int(std::trunc(easting)), int(std::trunc(northing)));
+    return Geodesy::Latin1Text()
+        .format(kNotations[cfUTM].format,
+                {r.point->zone, r.point->band, long(std::trunc(easting)), long(std::trunc(northing))})
+        .toString();
 }
 
 // LL2GR's "#" texts pass as they are; "Invalid" (no letters) gives no text.
@@ -192,8 +215,14 @@ QString mgrsText(double lon, double lat)
     if (!r.reference)
         return r.failure[0] == '#' ? QString::fromLatin1(r.failure) : QString();
     const Geodesy::GridReference& ref = *r.reference;
-    return QString::asprintf("%02ld%c%c%c%05d%05d", ref.zone, ref.band, ref.letters.at(0).toLatin1(),
-                             ref.letters.at(1).toLatin1(), ref.easting, ref.northing);
+    return Geodesy::Latin1Text()
+        .put(ref.zone, 2)
+        .put(ref.band)
+        .put(ref.letters[0])
+        .put(ref.letters[1])
+        .put(ref.easting, 5)
+        .put(ref.northing, 5)
+        .toString();
 }
 
 QString sweref99Text(double lon, double lat)
@@ -207,9 +236,11 @@ QString sweref99Text(double lon, double lat)
     // meant for hundredths; stored texts carry it that way.
     const Sexagesimal sx = splitDegrees(std::fabs(x), 0.0, 100.0);
     const Sexagesimal sy = splitDegrees(std::fabs(y), 0.0, 1000.0);
-    return QString::asprintf(kNotations[cfSWEREF99].format, x < 0 ? 'W' : 'E', sx.degrees, sx.minutes,
-                             sx.seconds, sx.fraction, y < 0 ? 'S' : 'N', sy.degrees, sy.minutes, sy.seconds,
-                             sy.fraction);
+    return Geodesy::Latin1Text()
+        .format(kNotations[cfSWEREF99].format,
+                {x < 0 ? 'W' : 'E', sx.degrees, sx.minutes, sx.seconds, sx.fraction, y < 0 ? 'S' : 'N',
+                 sy.degrees, sy.minutes, sy.seconds, sy.fraction})
+        .toString();
 }
 
 QString maidenheadText(double lon, double lat)
@@ -288,13 +319,17 @@ QString Coord::GetText(CoordFormat format) const
 
     switch (format) {
     case cfGeoDecimal:
-        return QString::asprintf(GetFmt(format), lonHemisphere, int(lonAbs), millionths(lonAbs),
-                                 latHemisphere, int(latAbs), millionths(latAbs));
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, long(int(lonAbs)), millionths(lonAbs), latHemisphere,
+                                     long(int(latAbs)), millionths(latAbs)})
+            .toString();
     case cfGeoLong: {
         const Sexagesimal x = splitDegrees(lonAbs, 0.0, 100.0);
         const Sexagesimal y = splitDegrees(latAbs, 5e-7, 100.0);
-        return QString::asprintf(GetFmt(format), lonHemisphere, x.degrees, x.minutes, x.seconds, x.fraction,
-                                 latHemisphere, y.degrees, y.minutes, y.seconds, y.fraction);
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, x.degrees, x.minutes, x.seconds, x.fraction,
+                                     latHemisphere, y.degrees, y.minutes, y.seconds, y.fraction})
+            .toString();
     }
     case cfGeoShort: {
         Sexagesimal parts[2] = {splitDegrees(lonAbs, 0.0, 100.0), splitDegrees(latAbs, 5e-7, 100.0)};
@@ -310,9 +345,10 @@ QString Coord::GetText(CoordFormat format) const
                 ++p.degrees;
             }
         }
-        return QString::asprintf(GetFmt(format), lonHemisphere, parts[0].degrees, parts[0].minutes,
-                                 parts[0].seconds, latHemisphere, parts[1].degrees, parts[1].minutes,
-                                 parts[1].seconds);
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, parts[0].degrees, parts[0].minutes, parts[0].seconds,
+                                     latHemisphere, parts[1].degrees, parts[1].minutes, parts[1].seconds})
+            .toString();
     }
     case cfUTM:
         return utmText(lon, lat);
@@ -340,8 +376,8 @@ void Coord::SetText(const QString& text, CoordFormat format)
 
     switch (format) {
     case cfGeoDecimal:
-        lon = text.mid(4, 6).toInt() * 1e-6 + text.mid(1, 3).toInt();
-        lat = text.mid(13, 6).toInt() * 1e-6 + text.mid(11, 2).toInt();
+        lon = intAt(text, 4, 6) * 1e-6 + intAt(text, 1, 3);
+        lat = intAt(text, 13, 6) * 1e-6 + intAt(text, 11, 2);
         break;
     case cfGeoLong:
     case cfGeoShort:
@@ -357,8 +393,7 @@ void Coord::SetText(const QString& text, CoordFormat format)
         break;
     }
     case cfUTM:
-        UTMtoLL(Geodesy::kLegacyUtmWgs84, text.mid(10, 7).toInt(), text.mid(3, 7).toInt(), text.mid(0, 3),
-                lat, lon);
+        UTMtoLL(Geodesy::kLegacyUtmWgs84, intAt(text, 10, 7), intAt(text, 3, 7), text.mid(0, 3), lat, lon);
         break;
     case cfMGRS:
         CMercCoordTrans().GR2LL(text, kMgrsReferenceGrid, lat, lon);
@@ -390,20 +425,16 @@ void Coord::SetText(const QString& text, CoordFormat format)
     m_dLatitude = wrapInto(lat, 90.0);
 }
 
+// What a MaskConverter with the notation's mask and "_" as placeholder does, without
+// building one.
 QString Coord::GetString(CoordFormat format) const
 {
-    MaskConverter converter;
-    converter.SetMask(GetMask(format), '_');
-    converter.SetText(GetText(format));
-    return converter.GetFormattedText();
+    return MaskText::merge(kTexts.mask[maskRow(format)], GetText(format), QLatin1Char('_'));
 }
 
 void Coord::SetString(const QString& text, CoordFormat format)
 {
-    MaskConverter converter;
-    converter.SetMask(GetMask(format), '_');
-    converter.SetFormattedText(text);
-    SetText(converter.GetText(), format);
+    SetText(MaskText::extract(kTexts.mask[maskRow(format)], text), format);
 }
 
 QString getCoordFormatName(CoordFormat format)

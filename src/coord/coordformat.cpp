@@ -7,6 +7,7 @@
 
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
+#include "coord/latin1text_p.h"
 
 #include <QLocale>
 #include <QRegularExpression>
@@ -46,8 +47,17 @@ int CoordToString(QString& out, double lon, double lat, TCoordFormat format)
             return 1;
         }
         const GridReference& ref = *r.reference;
-        out = QString::asprintf("%02ld%c-%c%c-%05d-%05d", ref.zone, ref.band, ref.letters.at(0).toLatin1(),
-                                ref.letters.at(1).toLatin1(), ref.easting, ref.northing);
+        out = Latin1Text()
+                  .put(ref.zone, 2)
+                  .put(ref.band)
+                  .put('-')
+                  .put(ref.letters[0])
+                  .put(ref.letters[1])
+                  .put('-')
+                  .put(ref.easting, 5)
+                  .put('-')
+                  .put(ref.northing, 5)
+                  .toString();
         return 0;
     }
     case TCoordFormatUTM: {
@@ -85,7 +95,14 @@ int CoordToRT90String(QString& out, double lon, double lat, TCoordFormat format)
     const std::optional<GridPoint> p = tmForward(rt90Projection(kRt90TextZone), {lat, lon});
     if (!p)
         return 2;
-    out = QString::asprintf("X%011.3fY%011.3f", p->northing, p->easting);
+    Latin1Text text;
+    text.put('X');
+    const bool fixedX = text.putFixed3(p->northing, 11);
+    text.put('Y');
+    if (fixedX && text.putFixed3(p->easting, 11))
+        out = text.toString();
+    else // beyond 1e15 m
+        out = QString::asprintf("X%011.3fY%011.3f", p->northing, p->easting);
     return 0;
 }
 

@@ -802,8 +802,13 @@ struct SquareDigits
 
 SquareDigits squareDigits(long value)
 {
-    const QString s = QString::number(value < 0 ? -value : value).rightJustified(7, QLatin1Char('0'));
-    return {s.at(1).unicode() - '0', s.mid(2, 5).toInt()};
+    const unsigned long v =
+        value < 0 ? 0UL - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+    // 10^(digits - 2): the place of the second of at least seven digits.
+    unsigned long second = 100000;
+    while (v / second >= 100)
+        second *= 10;
+    return {int(v / second % 10), int(v / (second / 100000) % 100000)};
 }
 
 } // namespace
@@ -920,14 +925,14 @@ GridReferenceResult gridReference(double lat, double lon, int grid)
     if (g == 1) {
         if (e < 0 || n < 0 || e > 999999 || n > 1499999)
             return {std::nullopt, "#OUTSIDE BRITISH GRID AREA"};
-        ref.letters = QString(QLatin1Char(britishFirstLetter({int(e / 500000), int(n / 500000)}))) +
-                      QLatin1Char(squareLetter(square));
+        ref.letters[0] = britishFirstLetter({int(e / 500000), int(n / 500000)});
+        ref.letters[1] = squareLetter(square);
         return {ref, nullptr};
     }
     if (g == 2) {
         if (e < 0 || n < 0 || e > 499999 || n > 499999)
             return {std::nullopt, "#OUTSIDE IRISH GRID AREA"};
-        ref.letters = QString(QLatin1Char(squareLetter(square)));
+        ref.letters[0] = squareLetter(square);
         return {ref, nullptr};
     }
 
@@ -941,7 +946,8 @@ GridReferenceResult gridReference(double lat, double lon, int grid)
         return none;
     ref.zone = zone;
     ref.band = gridBandLetter(nlat);
-    ref.letters = QString(QLatin1Char(*column)) + QLatin1Char(mgrsRowLetter(zone, row, grid < 0));
+    ref.letters[0] = *column;
+    ref.letters[1] = mgrsRowLetter(zone, row, grid < 0);
     return {ref, nullptr};
 }
 

@@ -221,10 +221,10 @@ struct LegacyUtmSeries
 
     double a;
     double e2;
-    double ep2;   ///< second eccentricity squared
-    double m[4];  ///< meridian arc: coefficients of phi, sin 2phi, sin 4phi, sin 6phi
-    double mu;    ///< a (1 - e2/4 - 3e4/64 - 5e6/256) as the inverse divides by it
-    double j[3];  ///< footpoint latitude: coefficients of sin 2mu, sin 4mu, sin 6mu
+    double ep2;  ///< second eccentricity squared
+    double m[4]; ///< meridian arc: coefficients of phi, sin 2phi, sin 4phi, sin 6phi
+    double mu;   ///< a (1 - e2/4 - 3e4/64 - 5e6/256) as the inverse divides by it
+    double j[3]; ///< footpoint latitude: coefficients of sin 2mu, sin 4mu, sin 6mu
 };
 /// The series of ellipsoid 1 to 23 of legacyUtmEllipsoid; nullptr for other indexes.
 const LegacyUtmSeries* legacyUtmSeries(int ellipsoid);
@@ -285,9 +285,10 @@ GridPoint gridForward(const OsGrid& grid, double lat, double lon);
 /// A British ("TG", grid 1), Irish ("O", grid 2) or MGRS (any other grid) reference.
 struct GridReference
 {
-    long zone = 0;    ///< MGRS only
-    char band = 0;    ///< MGRS only
-    QString letters;  ///< two (British, MGRS column and row) or one (Irish)
+    long zone = 0; ///< MGRS only
+    char band = 0; ///< MGRS only
+    /// Two (British, MGRS column and row) or one (Irish; letters[1] is 0).
+    char letters[2] = {0, 0};
     int easting = 0;  ///< metres within the 100 km square, 0 to 99999
     int northing = 0; ///< metres within the 100 km square, 0 to 99999
 };

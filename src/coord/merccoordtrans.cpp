@@ -3,8 +3,7 @@
 #include "coord/arrayresult_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
-
-#include <QRegularExpression>
+#include "coord/latin1text_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -60,18 +59,96 @@ QString inverseProblem(const GridPoint& grid, const std::optional<GeoPoint>& p)
         .arg(arrayValueText(grid.easting));
 }
 
+// The characters of a reference that GR2LL reads: the text upper-cased (as
+// QString::toUpper has it), blanks (the ASCII white space) and dashes dropped. No
+// reference has more than 15 (MGRS: zone, three letters, ten digits) or a character
+// beyond ASCII, so a text with either reads as unreadable.
+struct ReferenceCharacters
+{
+    static constexpr int kCapacity = 15;
+    char c[kCapacity];
+    int size = 0;
+
+    bool read(const QString& ref)
+    {
+        const QString upper = ref.toUpper();
+        for (const QChar ch : upper) {
+            const ushort u = ch.unicode();
+            if (u == '-' || u == ' ' || (u >= '\t' && u <= '\r'))
+                continue;
+            if (u >= 128 || size == kCapacity)
+                return false;
+            c[size++] = char(u);
+        }
+        return true;
+    }
+};
+
+bool isAsciiDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool allDigits(const char* text, int count)
+{
+    for (int i = 0; i < count; ++i)
+        if (!isAsciiDigit(text[i]))
+            return false;
+    return true;
+}
+
+// The letters A to Z without I (the British and Irish square letters), and without I
+// and O (MGRS) up to a last letter.
+bool isSquareLetter(char c)
+{
+    return c >= 'A' && c <= 'Z' && c != 'I';
+}
+bool isMgrsLetter(char c, char last)
+{
+    return c >= 'A' && c <= last && c != 'I' && c != 'O';
+}
+
+int digitsValue(const char* digits, int count)
+{
+    int value = 0;
+    for (int i = 0; i < count; ++i)
+        value = value * 10 + (digits[i] - '0');
+    return value;
+}
+
 // The value of 0 to 10 digits split evenly between easting and northing, in metres
 // within a 100 km square (fewer digits: the south-west corner of the coarser square).
-bool splitDigits(const QString& digits, double& e, double& n)
+bool splitDigits(const char* digits, int len, double& e, double& n)
 {
-    const int len = digits.size();
+    static const double kUnit[] = {1e5, 1e4, 1e3, 1e2, 1e1, 1.0};
     if (len % 2 != 0 || len > 10)
         return false;
     const int k = len / 2;
-    const double unit = std::pow(10.0, 5 - k);
-    e = k ? digits.left(k).toInt() * unit : 0.0;
-    n = k ? digits.mid(k).toInt() * unit : 0.0;
+    e = k ? digitsValue(digits, k) * kUnit[k] : 0.0;
+    n = k ? digitsValue(digits + k, k) * kUnit[k] : 0.0;
     return true;
+}
+
+// LL2TM's northing of a band's middle latitude on the central meridian of UTM grid g
+// (3, 4, 10, 11): the meridian drops out there, so one value serves every zone.
+constexpr int kUtmGrids[] = {3, 4, 10, 11};
+
+double bandMiddleNorthing(int g, int band)
+{
+    static const struct Table
+    {
+        double northing[4][kBandCount];
+        Table()
+        {
+            for (int i = 0; i < 4; ++i)
+                for (int b = 0; b < kBandCount; ++b) {
+                    const double middle = b == kBandCount - 1 ? 78.0 : -80.0 + 8.0 * b + 4.0;
+                    northing[i][b] = gridForward(middle, 3.0, kUtmGrids[i], 3)->northing;
+                }
+        }
+    } table;
+    const int i = g == 3 ? 0 : g == 4 ? 1 : g == 10 ? 2 : 3;
+    return table.northing[i][band];
 }
 
 // The datums of ToWGS84 and FromWGS84 by number; 4 (WGS 84) and 12 (SWEREF 99) need
@@ -226,12 +303,15 @@ QString CMercCoordTrans::LL2GR(double lat, double lon, int grid) const
     const GridReferenceResult r = gridReference(lat, lon, grid);
     if (!r.reference)
         return QLatin1String(r.failure);
-    const QString metres = QString::asprintf("%05d%05d", r.reference->easting, r.reference->northing);
+    const GridReference& ref = *r.reference;
+    Latin1Text text;
     const int g = absGrid(grid);
-    if (g == 1 || g == 2) // British, Irish
-        return r.reference->letters + metres;
-    return QString::number(r.reference->zone) + QLatin1Char(r.reference->band) + r.reference->letters +
-           metres;
+    if (g != 1 && g != 2) // MGRS: zone and band before the letters
+        text.put(ref.zone, 0).put(ref.band);
+    text.put(ref.letters[0]);
+    if (ref.letters[1])
+        text.put(ref.letters[1]);
+    return text.put(ref.easting, 5).put(ref.northing, 5).toString();
 }
 
 double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
@@ -245,30 +325,31 @@ bool CMercCoordTrans::GR2LL(const QString& ref, int grid, double& lat, double& l
 {
     lat = -1.0;
     lon = -1.0;
-    static const QRegularExpression separators(QStringLiteral("[\\s-]"));
-    QString text = ref.toUpper();
-    text.remove(separators);
+    ReferenceCharacters text;
+    if (!text.read(ref))
+        return false;
+    const char* c = text.c;
     const int g = absGrid(grid);
     double e, n;
 
     if (g == 1) {
-        static const QRegularExpression british(QStringLiteral("^([HJNOST])([A-HJ-Z])(\\d*)$"));
-        const QRegularExpressionMatch m = british.match(text);
-        if (!m.hasMatch() || !splitDigits(m.captured(3), e, n))
+        // Two letters, the first H J N O S or T, then digits.
+        if (text.size < 2 || !britishFirstLetterSquare(QLatin1Char(c[0])) || !isSquareLetter(c[1]) ||
+            !allDigits(c + 2, text.size - 2) || !splitDigits(c + 2, text.size - 2, e, n))
             return false;
-        const SquareIndex big = *britishFirstLetterSquare(m.captured(1).at(0));
-        const SquareIndex small = *squareLetterIndex(m.captured(2).at(0));
+        const SquareIndex big = *britishFirstLetterSquare(QLatin1Char(c[0]));
+        const SquareIndex small = *squareLetterIndex(QLatin1Char(c[1]));
         e += (big.east * 5 + small.east) * 100000.0;
         n += (big.north * 5 + small.north) * 100000.0;
         gridToLatLong(1, 0, {e, n}, lat, lon);
         return true;
     }
     if (g == 2) {
-        static const QRegularExpression irish(QStringLiteral("^([A-HJ-Z])(\\d*)$"));
-        const QRegularExpressionMatch m = irish.match(text);
-        if (!m.hasMatch() || !splitDigits(m.captured(2), e, n))
+        // One letter, then digits.
+        if (text.size < 1 || !isSquareLetter(c[0]) || !allDigits(c + 1, text.size - 1) ||
+            !splitDigits(c + 1, text.size - 1, e, n))
             return false;
-        const SquareIndex square = *squareLetterIndex(m.captured(1).at(0));
+        const SquareIndex square = *squareLetterIndex(QLatin1Char(c[0]));
         e += square.east * 100000.0;
         n += square.north * 100000.0;
         gridToLatLong(2, 0, {e, n}, lat, lon);
@@ -277,27 +358,37 @@ bool CMercCoordTrans::GR2LL(const QString& ref, int grid, double& lat, double& l
     if (!isUtmGrid(g))
         return false;
 
-    static const QRegularExpression mgrs(
-        QStringLiteral("^(\\d{1,2})([C-HJ-NP-X])([A-HJ-NP-Z])([A-HJ-NP-V])(\\d*)$"));
-    const QRegularExpressionMatch m = mgrs.match(text);
-    if (!m.hasMatch() || !splitDigits(m.captured(5), e, n))
+    // One or two digits of the zone, the band (C to X), the column (A to Z) and row (A
+    // to V) letters, then digits; I and O are no letters of MGRS.
+    int zoneDigits = 0;
+    while (zoneDigits < text.size && isAsciiDigit(c[zoneDigits]))
+        ++zoneDigits;
+    if (zoneDigits < 1 || zoneDigits > 2 || text.size < zoneDigits + 3)
         return false;
-    const long zone = m.captured(1).toLong();
+    const char bandLetter = c[zoneDigits];
+    const char columnLetter = c[zoneDigits + 1];
+    const char rowLetter = c[zoneDigits + 2];
+    const char* digits = c + zoneDigits + 3;
+    const int digitCount = text.size - zoneDigits - 3;
+    if (!isMgrsLetter(bandLetter, 'X') || bandLetter < 'C' || !isMgrsLetter(columnLetter, 'Z') ||
+        !isMgrsLetter(rowLetter, 'V') || !allDigits(digits, digitCount) ||
+        !splitDigits(digits, digitCount, e, n))
+        return false;
+    const long zone = digitsValue(c, zoneDigits);
     if (!validUtmZone(zone))
         return false;
     const long meridian = utmCentralMeridian(zone);
-    const std::optional<int> column = mgrsEastingDigit(zone, m.captured(3).at(0));
+    const std::optional<int> column = mgrsEastingDigit(zone, QLatin1Char(columnLetter));
     if (!column)
         return false;
     e += *column * 100000.0;
-    n += *mgrsNorthingIndex(zone, m.captured(4).at(0), grid < 0) * 100000.0;
+    n += *mgrsNorthingIndex(zone, QLatin1Char(rowLetter), grid < 0) * 100000.0;
 
     // The letters fix the northing modulo 2000 km; the band picks the cycle that lies
     // nearest the band's middle (bands span at most 1330 km).
-    const int band = *bandIndex(m.captured(2).at(0));
-    const double bandSouth = -80.0 + 8.0 * band;
-    const double bandMiddle = band == kBandCount - 1 ? 78.0 : bandSouth + 4.0;
-    double middle = LL2TM(false, bandMiddle, double(meridian), g, meridian);
+    const int band = *bandIndex(QLatin1Char(bandLetter));
+    const double bandMiddle = band == kBandCount - 1 ? 78.0 : -80.0 + 8.0 * band + 4.0;
+    double middle = bandMiddleNorthing(g, band);
     const bool south = bandMiddle < 0.0;
     if (south)
         middle += 10000000.0;

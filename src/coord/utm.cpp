@@ -149,7 +149,8 @@ ArrayResult UTMtoLL(int ellipsoid, std::size_t count, const double* northing, co
         const bool zoneOk = validUtmZone(zone[i]) && letter >= 'A' && letter <= 'Z';
         if (zoneOk && std::isfinite(northing[i]) && std::isfinite(easting[i])) {
             const double fromEquator = letter >= 'N' ? northing[i] : northing[i] - kUtmFalseNorthingSouth;
-            const GeoPoint p = legacyUtmInverse(*series, double(utmCentralMeridian(zone[i])), {easting[i], fromEquator});
+            const GeoPoint p =
+                legacyUtmInverse(*series, double(utmCentralMeridian(zone[i])), {easting[i], fromEquator});
             if (std::isfinite(p.lat) && std::isfinite(p.lon)) {
                 lat[i] = p.lat;
                 lon[i] = p.lon;
