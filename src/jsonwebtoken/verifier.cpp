@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace jsonWebToken {
 
@@ -43,8 +42,9 @@ Result& fail(Result& result, VerificationError::Type error, const QString& messa
     return result;
 }
 
-// Counts the members of the outermost object of JSON text already known to
-// be valid: the colons outside strings at depth one.
+// Counts the members of the outermost object of JSON text that Qt parsed:
+// the colons outside strings at depth one. -1 for a control character left
+// unescaped in a string, which JSON forbids and Qt lets through.
 int topLevelMembers(const QByteArray& json)
 {
     int depth = 0;
@@ -54,18 +54,13 @@ int topLevelMembers(const QByteArray& json)
     while (p < end) {
         const char c = *p++;
         if (c == '"') {
-            const char* const start = p;
-            for (;;) {
-                const auto* quote = static_cast<const char*>(std::memchr(p, '"', size_t(end - p)));
-                if (!quote)
-                    return count;
-                const char* escapes = quote;
-                while (escapes > start && escapes[-1] == '\\')
-                    --escapes;
-                p = quote + 1;
-                if ((quote - escapes) % 2 == 0)
-                    break;
+            for (; p < end && *p != '"'; ++p) {
+                if (uchar(*p) < 0x20)
+                    return -1;
+                if (*p == '\\')
+                    ++p;
             }
+            ++p;
         } else if (c == '{' || c == '[') {
             ++depth;
         } else if (c == '}' || c == ']') {
@@ -128,7 +123,13 @@ bool parseObject(const QByteArray& json, const char* part, QJsonObject* out, Res
     const QJsonObject object = document.object();
     // QJsonDocument keeps one of two equal names silently; a signer and a
     // reader that pick different ones would see different claims.
-    if (topLevelMembers(json) != object.size()) {
+    const int members = topLevelMembers(json);
+    if (members < 0) {
+        fail(result, VerificationError::Unknown,
+             QStringLiteral("the %1 has a control character that is not escaped").arg(what));
+        return false;
+    }
+    if (members != object.size()) {
         fail(result, VerificationError::Unknown,
              QStringLiteral("the %1 has the member \"%2\" more than once").arg(what, repeatedName(json)));
         return false;
@@ -265,7 +266,7 @@ Verifier::Result Verifier::verify(const QByteArray& compactToken, const QDateTim
         const char* name;
     } segments[] = {{0, firstDot, &headerJson, "header"},
                     {firstDot + 1, secondDot, &payloadJson, "payload"},
-                    {secondDot + 1, compactToken.size(), &signature, "signature"}};
+                    {secondDot + 1, int(compactToken.size()), &signature, "signature"}};
     for (const auto& segment : segments) {
         int bad = 0;
         if (!Crypto::decodeBase64Url(compactToken.constData() + segment.from, segment.to - segment.from,

@@ -127,6 +127,9 @@ private slots:
     void keySet();
     void signing();
     void legacyMacs();
+    void hmacKeysInTurn();
+    void hostileInput_data();
+    void hostileInput();
     void concurrentVerify();
 };
 
@@ -158,6 +161,8 @@ void TestJws::verify()
     QVERIFY2(result.message.contains(row[QLatin1String("message")].toString()), qPrintable(outcome(result)));
     if (row.contains(QLatin1String("claims")))
         QCOMPARE(result.payload, row[QLatin1String("claims")].toObject());
+    // Every failure after the parse still shows what was parsed, for the log.
+    QVERIFY(result.error == VerificationError::Unknown || !result.header.isEmpty());
     if (!row[QLatin1String("tamper")].toBool())
         return;
     // One character changed in the middle of each segment.
@@ -253,8 +258,8 @@ void TestJws::signing()
     }
     // The payload is written as Qt's own JSON writer would write it.
     const QJsonObject awkward{
-        {QStringLiteral("s"),
-         QStringLiteral("\"\\/\b\f\n\r\t\x01\x1f ö € 😀 \u2028") + QChar(0xd800) + QChar(0xdc00)},
+        {QStringLiteral("s"), QString(QStringLiteral("\"\\/\b\f\n\r\t\x01\x1f ö € 😀 \u2028") + QChar(0xd800) +
+                                      QLatin1Char('x') + QChar(0xdc00))},
         {QStringLiteral("n"), QJsonArray{-12.5, 1e300, -1700000000.0, 0.0, 9007199254740993.0, 1e-7}},
         {QStringLiteral("v"), QJsonArray{true, false, QJsonValue(), QJsonObject{}, QJsonArray{}}}};
     const QByteArray payload =
@@ -306,6 +311,68 @@ void TestJws::legacyMacs()
                      VerificationError::NoError);
         }
     }
+}
+
+// HMAC state is kept per thread and key: keys that take turns, and keys made
+// anew where an old one was, must each give their own MACs.
+void TestJws::hmacKeysInTurn()
+{
+    const QJsonObject claims{{QStringLiteral("sub"), QStringLiteral("x")}};
+    const QByteArray reference = sign(claims, JwsAlgorithm::HS384, Key::hmacSecret(QByteArray(48, 'a')));
+    for (int round = 0; round < 50; ++round) {
+        const Key a = Key::hmacSecret(QByteArray(48, char('a' + round % 2)));
+        const Key b = Key::hmacSecret(QByteArray(48, 'z'));
+        const QByteArray byA = sign(claims, JwsAlgorithm::HS384, a);
+        const QByteArray byB = sign(claims, JwsAlgorithm::HS384, b);
+        QCOMPARE(byA == reference, round % 2 == 0);
+        QVERIFY(byA != byB);
+        QVERIFY(Verifier().allow(JwsAlgorithm::HS384, a).verify(byA).ok());
+        QCOMPARE(Verifier().allow(JwsAlgorithm::HS384, a).verify(byB).error,
+                 VerificationError::SignatureInvalid);
+        QCOMPARE(Verifier().allow(JwsAlgorithm::HS384, b).verify(byA).error,
+                 VerificationError::SignatureInvalid);
+        QVERIFY(Verifier().allow(JwsAlgorithm::HS256, a).verify(sign(claims, JwsAlgorithm::HS256, a)).ok());
+    }
+}
+
+// Sizes and shapes no real token has: each is reported, none crashes, and a
+// normal token still verifies afterwards.
+void TestJws::hostileInput_data()
+{
+    QTest::addColumn<QByteArray>("token");
+    QTest::addColumn<int>("error");
+    const QByteArray header = "eyJhbGciOiJIUzI1NiJ9."; // {"alg":"HS256"}
+    const auto encoded = [](const QByteArray& json) {
+        return json.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+    };
+    QTest::newRow("empty") << QByteArray() << int(VerificationError::Unknown);
+    QTest::newRow("dots only") << QByteArray("..") << int(VerificationError::Unknown);
+    QTest::newRow("a million dots") << QByteArray(1 << 20, '.') << int(VerificationError::Unknown);
+    QTest::newRow("a payload of 3 MB")
+        << header + encoded("{\"a\":\"" + QByteArray(3 << 20, 'x') + "\"}") + ".AA"
+        << int(VerificationError::SignatureInvalid);
+    QTest::newRow("arrays nested 100000 deep")
+        << header + encoded(QByteArray(100000, '[') + QByteArray(100000, ']')) + "."
+        << int(VerificationError::Unknown);
+    QTest::newRow("a NUL byte in the header")
+        << encoded(QByteArray("{\"alg\":\"HS256\0\"}", 16)) + ".e30." << int(VerificationError::Unknown);
+    QTest::newRow("invalid UTF-8 in the header")
+        << encoded("{\"alg\":\"\xff\"}") + ".e30." << int(VerificationError::Unknown);
+    QTest::newRow("a NUL byte in the token")
+        << QByteArray("e30.e30.\0", 9) << int(VerificationError::Unknown);
+}
+
+void TestJws::hostileInput()
+{
+    QFETCH(QByteArray, token);
+    QFETCH(int, error);
+    const Key secret = Key::hmacSecret(QByteArray(32, 's'));
+    const Verifier verifier = Verifier().allow(JwsAlgorithm::HS256, secret);
+    const Verifier::Result result = verifier.verify(token, at(1700000000));
+    QVERIFY2(result.error == VerificationError::Type(error), qPrintable(outcome(result)));
+    QVERIFY(!result.message.isEmpty());
+    QVERIFY(verifier.verify(sign({{QStringLiteral("sub"), QStringLiteral("x")}}, JwsAlgorithm::HS256, secret))
+                .ok());
 }
 
 // One verifier and one fresh key, first used from four threads at once.
