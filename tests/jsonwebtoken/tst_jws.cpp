@@ -203,6 +203,15 @@ void TestJws::keys()
     if (expect != QLatin1String("ok")) {
         QVERIFY2(!key, qPrintable(expect));
         QVERIFY2(error.contains(expect), qPrintable(error));
+        // Messages name members, never their values: no private number, no PEM line.
+        const QJsonObject jwk = row[QLatin1String("jwk")].toObject();
+        for (const char* secret : {"d", "p", "q", "dp", "dq", "qi", "k", "x", "y", "n"})
+            QVERIFY(jwk[QLatin1String(secret)].toString().size() < 4 ||
+                    !error.contains(jwk[QLatin1String(secret)].toString()));
+        for (const QString& line : row[QLatin1String("pem")].toString().split(QLatin1Char('\n')))
+            QVERIFY2(line.size() < 16 || line.startsWith(QLatin1String("-----")) ||
+                         !error.contains(line.left(16)),
+                     qPrintable(error));
         return;
     }
     QVERIFY2(key, qPrintable(error));
@@ -268,6 +277,23 @@ void TestJws::signing()
             .at(1);
     QCOMPARE(QByteArray::fromBase64(payload, QByteArray::Base64UrlEncoding),
              QJsonDocument(awkward).toJson(QJsonDocument::Compact));
+    // A "typ" of the caller's replaces "JWT".
+    const Key hs256 = key(QLatin1String("hs256"), QLatin1String("secret"));
+    const QByteArray accessToken =
+        sign(claims, JwsAlgorithm::HS256, hs256, {{QStringLiteral("typ"), QStringLiteral("at+jwt")}});
+    QVERIFY(Verifier()
+                .allow(JwsAlgorithm::HS256, hs256)
+                .type(QStringLiteral("application/AT+JWT"))
+                .verify(accessToken)
+                .ok());
+    QVERIFY(
+        !Verifier().allow(JwsAlgorithm::HS256, hs256).type(QStringLiteral("JWT")).verify(accessToken).ok());
+    // A copy configured further leaves the original as it was.
+    const Verifier original = Verifier().allow(JwsAlgorithm::HS256, hs256);
+    Verifier stricter = original;
+    stricter.subject(QStringLiteral("someone else"));
+    QVERIFY(original.verify(accessToken).ok());
+    QCOMPARE(stricter.verify(accessToken).error, VerificationError::ClaimValueUnexpected);
     QCOMPARE(sign(claims, JwsAlgorithm::None, Key::hmacSecret({})).count('.'), 2);
     QVERIFY(sign(claims, JwsAlgorithm::None, Key::hmacSecret({})).endsWith('.'));
     const struct

@@ -403,6 +403,7 @@ def make_tokens(keys, secrets):
     timed("nbf equal to now", {"nbf": NOW}, "NoError")
     timed("iat in the future", {"iat": NOW + 5}, "TokenNotYetValid", message="\"iat\"")
     timed("iat in the past", {"iat": NOW - 5000}, "NoError")
+    timed("a negative leeway counts as none", {"exp": NOW + 1}, "NoError", leeway=-100)
     timed("exp as text", {"exp": str(NOW + 60)}, "ClaimValueUnexpected", message="\"exp\" is not a number")
     timed("nbf as null", {"nbf": None}, "ClaimValueUnexpected")
     timed("expired and without a required claim: time comes first", {"exp": NOW - 1}, "TokenExpired",
@@ -412,6 +413,7 @@ def make_tokens(keys, secrets):
     bad("required claim missing", checked, "ClaimMissing", "no \"exp\"", require=["sub", "exp"])
     bad("required claim present though null", jwt.encode({"exp": NOW + 9, "jti": None}, hs, algorithm="HS256"),
         "NoError", require=["jti"])
+    bad("an empty issuer list checks nothing", checked, "NoError", issuer=[])
     bad("issuer not accepted", checked, "IssuerUnknown", issuer=["https://login.example.org/"])
     bad("no issuer", jwt.encode({"sub": "x"}, hs, algorithm="HS256"), "IssuerUnknown", "names no issuer",
         issuer=["https://login.example.com/"])
