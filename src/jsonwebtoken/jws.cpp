@@ -5,6 +5,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
@@ -108,10 +109,14 @@ void writeString(std::string& out, const QString& text)
         const char16_t* run = p;
         while (run < end && *run >= 0x20 && *run < 0x80 && *run != '"' && *run != '\\')
             ++run;
-        out.append(run - p, '\0');
-        char* o = &out[out.size() - size_t(run - p)];
-        for (; p < run; ++p)
-            *o++ = char(*p);
+        while (p < run) {
+            char ascii[128];
+            const auto count = std::min<std::ptrdiff_t>(run - p, sizeof ascii);
+            for (std::ptrdiff_t i = 0; i < count; ++i)
+                ascii[i] = char(p[i]);
+            out.append(ascii, size_t(count));
+            p += count;
+        }
         if (p == end)
             break;
         const char16_t c = *p;
