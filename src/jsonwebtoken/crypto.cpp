@@ -278,7 +278,9 @@ bool verify(EVP_PKEY* key, Scheme scheme, Hash hash, int componentSize, const ch
     MdContext context(EVP_MD_CTX_new());
     EVP_PKEY_CTX* keyContext = nullptr;
     const EVP_MD* md = scheme == Scheme::EdDsa ? nullptr : digest(hash);
-    const bool ok = context && EVP_DigestVerifyInit(context.get(), &keyContext, md, nullptr, key) == 1 &&
+    // A null digest would mean OpenSSL's default for the key, not the one named.
+    const bool ok = context && (md || scheme == Scheme::EdDsa) &&
+                    EVP_DigestVerifyInit(context.get(), &keyContext, md, nullptr, key) == 1 &&
                     (scheme != Scheme::RsaPss || usePss(keyContext)) &&
                     EVP_DigestVerify(context.get(), bytes(der.constData()), static_cast<size_t>(der.size()),
                                      bytes(data), static_cast<size_t>(size)) == 1;
@@ -293,7 +295,8 @@ QByteArray sign(EVP_PKEY* key, Scheme scheme, Hash hash, int componentSize, cons
     EVP_PKEY_CTX* keyContext = nullptr;
     const EVP_MD* md = scheme == Scheme::EdDsa ? nullptr : digest(hash);
     size_t length = 0;
-    bool ok = context && EVP_DigestSignInit(context.get(), &keyContext, md, nullptr, key) == 1 &&
+    bool ok = context && (md || scheme == Scheme::EdDsa) &&
+              EVP_DigestSignInit(context.get(), &keyContext, md, nullptr, key) == 1 &&
               (scheme != Scheme::RsaPss || usePss(keyContext)) &&
               EVP_DigestSign(context.get(), nullptr, &length, bytes(data), static_cast<size_t>(size)) == 1;
     QByteArray signature;
