@@ -34,13 +34,16 @@ enum class JwsAlgorithm
     None   ///< "none": an unsecured token with an empty signature
 };
 
-/// The registered name: "HS256" … "ES512", "EdDSA", and "none" in lower case.
-/// An empty string for a value outside the enum. Thread-safe.
+/// The registered name of an algorithm. Thread-safe.
+/// \param algorithm the algorithm.
+/// \return "HS256" … "ES512", "EdDSA", and "none" in lower case; an empty
+///         string for a value outside the enum.
 KVBASE_EXPORT QString jwsAlgorithmName(JwsAlgorithm algorithm);
 
 /// The algorithm of a registered name, compared exactly and case-sensitively
-/// ("hs256", "HS256 " and "None" are not names); empty for any other text.
-/// Thread-safe.
+/// ("hs256", "HS256 " and "None" are not names). Thread-safe.
+/// \param name the "alg" text.
+/// \return the algorithm, or empty for any other text.
 KVBASE_EXPORT std::optional<JwsAlgorithm> jwsAlgorithmFromName(const QString& name);
 
 /// Signs a JSON Web Token in the compact serialisation of RFC 7515:

@@ -33,14 +33,24 @@ struct KeyAccess;
 class KVBASE_EXPORT Key
 {
 public:
+    /// Copies share the key material; no copy is ever deep.
+    /// \param other the key to share.
     Key(const Key& other);
+    /// \copydoc Key(const Key&)
     Key(Key&& other) noexcept;
+    /// Shares `other`'s key material.
+    /// \param other the key to share.
+    /// \return this key.
     Key& operator=(const Key& other);
+    /// \copydoc operator=(const Key&)
     Key& operator=(Key&& other) noexcept;
     ~Key();
 
-    /// An HMAC secret, taken byte for byte (no text decoding). Never fails;
-    /// the length is checked where the key is used.
+    /// An HMAC secret, taken byte for byte (no text decoding).
+    /// \param secret the key bytes, any length; the length is checked where
+    ///        the key is used (at least 32, 48 or 64 bytes for HS256, HS384,
+    ///        HS512 unless the verifier allows short keys).
+    /// \return the key; this never fails.
     static Key hmacSecret(const QByteArray& secret);
 
     /// Reads the first key of a PEM text: "PUBLIC KEY" (SubjectPublicKeyInfo),
@@ -71,9 +81,9 @@ public:
     /// \return the key, or empty.
     static std::optional<Key> fromJwk(const QJsonObject& jwk, QString* error = nullptr);
 
-    /// The "kid" of a key read from a JWK, else an empty string.
+    /// \return the "kid" of a key read from a JWK, else an empty string.
     QString id() const;
-    /// True for HMAC secrets and private keys.
+    /// \return true for HMAC secrets and private keys, false for public keys.
     bool canSign() const;
 
 private:
@@ -92,9 +102,16 @@ private:
 class KVBASE_EXPORT KeySet
 {
 public:
+    /// Copies share the keys.
+    /// \param other the set to share.
     KeySet(const KeySet& other);
+    /// \copydoc KeySet(const KeySet&)
     KeySet(KeySet&& other) noexcept;
+    /// Shares `other`'s keys.
+    /// \param other the set to share.
+    /// \return this set.
     KeySet& operator=(const KeySet& other);
+    /// \copydoc operator=(const KeySet&)
     KeySet& operator=(KeySet&& other) noexcept;
     ~KeySet();
 
@@ -106,14 +123,14 @@ public:
     ///         not one of its keys is usable.
     static std::optional<KeySet> fromJwks(const QByteArray& json, QString* error = nullptr);
 
-    /// Number of usable keys.
+    /// \return the number of usable keys, at least one.
     int size() const;
-    /// Number of entries of "keys" that were skipped.
+    /// \return the number of entries of "keys" that were skipped.
     int skipped() const;
-    /// Why each skipped entry was skipped, e.g. "key 3 (kid \"enc-1\"): \"use\" is
-    /// \"enc\", not \"sig\"", in the order of the set.
+    /// \return why each skipped entry was skipped, in the order of the set,
+    ///         e.g. "keys[7] (kid \"enc-1\"): \"use\" is not \"sig\"".
     QStringList skipReasons() const;
-    /// The usable keys, in the order of the set.
+    /// \return the usable keys, in the order of the set.
     const std::vector<Key>& keys() const;
 
 private:

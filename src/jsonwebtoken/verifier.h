@@ -79,55 +79,91 @@ public:
         /// What failed and where, in English, for logs; empty on success. Names
         /// members, algorithms and key ids, never key material.
         QString message;
-        /// The decoded header and payload, filled as soon as each parsed, even
-        /// when a later check fails: then they are untrusted, for logs only.
-        QJsonObject header, payload;
+        /// The decoded header, filled as soon as it parsed, even when a later
+        /// check fails: then it is untrusted, for logs only.
+        QJsonObject header;
+        /// The decoded payload (the claims), filled as soon as it parsed, even
+        /// when a later check fails: then it is untrusted, for logs only.
+        QJsonObject payload;
+        /// \return true when the token passed every check.
         bool ok() const { return error == VerificationError::NoError; }
     };
 
     /// A verifier that allows no algorithm, so it accepts nothing yet.
     Verifier();
+    /// Copies share the settings until one of them is changed.
+    /// \param other the verifier to copy.
     Verifier(const Verifier& other);
+    /// \copydoc Verifier(const Verifier&)
     Verifier(Verifier&& other) noexcept;
+    /// Takes over `other`'s settings.
+    /// \param other the verifier to copy.
+    /// \return this verifier.
     Verifier& operator=(const Verifier& other);
+    /// \copydoc operator=(const Verifier&)
     Verifier& operator=(Verifier&& other) noexcept;
     ~Verifier();
 
     /// Accepts `algorithm` with `key`, tried whatever "kid" the token names.
     /// May be called several times, for more algorithms or keys. A key that
-    /// does not fit the algorithm is never tried. JwsAlgorithm::None is only
-    /// allowed by allowNone().
+    /// does not fit the algorithm is never tried (verify() then reports
+    /// HeaderValueUnexpected naming the mismatch).
+    /// \param algorithm the algorithm; JwsAlgorithm::None is only allowed by
+    ///        allowNone() and is ignored here.
+    /// \param key the key to check signatures with.
+    /// \return this verifier.
     Verifier& allow(JwsAlgorithm algorithm, const Key& key);
-    /// Accepts `algorithm` with the keys of `keys` that fit it: when the token
-    /// has a "kid", only keys of that id are tried, otherwise every key.
+    /// Accepts `algorithm` with the keys of `keys` that fit it.
+    /// \param algorithm the algorithm; JwsAlgorithm::None is ignored.
+    /// \param keys the set; when the token has a "kid", only keys of that id
+    ///        are tried, otherwise every key.
+    /// \return this verifier.
     Verifier& allow(JwsAlgorithm algorithm, const KeySet& keys);
     /// Lets HMAC keys shorter than the hash output (32, 48 or 64 bytes, RFC 7518
     /// section 3.2) verify; they are refused by default.
+    /// \return this verifier.
     Verifier& allowShortHmacKeys();
     /// Accepts unsecured tokens ("alg" "none", empty signature). Refused unless
     /// this is called; only for tokens whose integrity is assured otherwise.
+    /// \return this verifier.
     Verifier& allowNone();
-    /// Clock skew tolerated for "exp", "nbf" and "iat"; negative counts as zero.
-    /// Default zero.
+    /// Sets the clock skew tolerated for "exp", "nbf" and "iat". Default zero.
+    /// \param seconds the leeway in seconds; negative counts as zero.
+    /// \return this verifier.
     Verifier& leeway(std::chrono::seconds seconds);
-    /// Requires "iss" to be one of `accepted` (exact, case-sensitive). An empty
-    /// list, the default, turns the check off.
+    /// Requires "iss" to be one of `accepted` (exact, case-sensitive).
+    /// \param accepted the issuers; an empty list, the default, turns the
+    ///        check off.
+    /// \return this verifier.
     Verifier& issuer(const QStringList& accepted);
     /// Requires "aud" to be `expected` or an array holding it (exact).
+    /// \param expected this recipient's name.
+    /// \return this verifier.
     Verifier& audience(const QString& expected);
     /// Requires "sub" to be `expected` (exact).
+    /// \param expected the subject.
+    /// \return this verifier.
     Verifier& subject(const QString& expected);
-    /// Requires each named claim to be present in the payload, whatever its value.
+    /// Requires claims to be present in the payload, whatever their values.
+    /// \param names claim names, added to those of earlier calls.
+    /// \return this verifier.
     Verifier& requireClaims(const QStringList& names);
     /// Requires "typ", when the header has one, to be `expected`, compared
     /// without regard to case and with "application/" implied where there is no
     /// "/" (RFC 7515 section 4.1.9): "JWT" matches "jwt" and "application/jwt".
+    /// \param expected the media type.
+    /// \return this verifier.
     Verifier& type(const QString& expected);
 
-    /// Checks `compactToken` at the current UTC time.
+    /// Checks a token at the current UTC time.
+    /// \param compactToken the token as received, ASCII, nothing around it.
+    /// \return the outcome; never throws.
     Result verify(const QByteArray& compactToken) const;
-    /// Checks `compactToken` at `now` (an invalid `now` gives Unknown at the time
-    /// checks).
+    /// Checks a token at a given time.
+    /// \param compactToken the token as received, ASCII, nothing around it.
+    /// \param now the time to check "exp", "nbf" and "iat" against; an
+    ///        invalid QDateTime gives Unknown at the time checks.
+    /// \return the outcome; never throws.
     Result verify(const QByteArray& compactToken, const QDateTime& now) const;
 
 private:
