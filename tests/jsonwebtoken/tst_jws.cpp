@@ -182,11 +182,11 @@ void TestJws::verify()
 void TestJws::signsLikePyJwt()
 {
     QFETCH(QJsonObject, row);
-    const QJsonObject spec = row[QLatin1String("sign")].toObject();
-    const QJsonArray keyName = spec[QLatin1String("key")].toArray();
+    const QJsonObject request = row[QLatin1String("sign")].toObject();
+    const QJsonArray keyName = request[QLatin1String("key")].toArray();
     QString error;
-    const QByteArray token = sign(spec[QLatin1String("payload")].toObject(),
-                                  jwsAlgorithmFromName(spec[QLatin1String("alg")].toString()).value(),
+    const QByteArray token = sign(request[QLatin1String("payload")].toObject(),
+                                  jwsAlgorithmFromName(request[QLatin1String("alg")].toString()).value(),
                                   key(keyName[0], keyName[1]), {}, &error);
     QVERIFY2(!token.isEmpty(), qPrintable(error));
     QCOMPARE(QString::fromLatin1(token), row[QLatin1String("token")].toString());
