@@ -1,0 +1,61 @@
+#ifndef KVBASE_TESTS_KVTEST_H
+#define KVBASE_TESTS_KVTEST_H
+
+// Shared by the test programs: a fixed locale and time zone, and test rows
+// read from the data files under tests/data.
+
+#include <QFile>
+#include <QLocale>
+#include <QTest>
+
+#include <ctime>
+#include <initializer_list>
+
+namespace KvTest {
+
+// Texts that depend on the locale or the time zone then read the same on
+// every machine, whatever the environment of the run.
+inline void pinLocaleAndZone(const char* zone = "UTC")
+{
+    QLocale::setDefault(QLocale::c());
+    qputenv("TZ", zone);
+    tzset();
+}
+
+// One row per line of tests/data/<path>: fields separated by "|", the first
+// one names the row, the others fill the QString columns in order. One blank
+// on either side of a "|" belongs to the separator, further blanks to the
+// field; "\t" and "\n" stand for a tab and a line feed. Blank lines and lines
+// starting with "#" are skipped. Column names must outlive the test.
+inline void addRows(const char* path, std::initializer_list<const char*> columns)
+{
+    for (const char* column : columns)
+        QTest::addColumn<QString>(column);
+    QFile file(QStringLiteral(KVBASE_TEST_DATA_DIR "/") + QLatin1String(path));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        qFatal("cannot read %s", qPrintable(file.fileName()));
+    int rows = 0;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'))) {
+        if (line.trimmed().isEmpty() || line.startsWith(QLatin1Char('#')))
+            continue;
+        QStringList fields = line.split(QLatin1Char('|'));
+        if (fields.size() != int(columns.size()) + 1)
+            qFatal("%s: %d fields in: %s", path, int(fields.size()), qPrintable(line));
+        QTestData& row = QTest::newRow(qPrintable(fields.takeFirst().trimmed()));
+        for (QString field : fields) {
+            if (field.startsWith(QLatin1Char(' ')))
+                field.remove(0, 1);
+            if (field.endsWith(QLatin1Char(' ')))
+                field.chop(1);
+            row << field.replace(QLatin1String("\\t"), QLatin1String("\t"))
+                       .replace(QLatin1String("\\n"), QLatin1String("\n"));
+        }
+        ++rows;
+    }
+    if (rows == 0)
+        qFatal("no rows in %s", path);
+}
+
+} // namespace KvTest
+
+#endif
