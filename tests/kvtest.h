@@ -25,7 +25,7 @@ inline void pinLocaleAndZone(const char* zone = "UTC")
 // One row per line of tests/data/<path>: fields separated by "|", the first
 // one names the row, the others fill the QString columns in order. One blank
 // on either side of a "|" belongs to the separator, further blanks to the
-// field; "\t" and "\n" stand for a tab and a line feed. Blank lines and lines
+// field; "<TAB>" and "<LF>" stand for a tab and a line feed. Blank lines and lines
 // starting with "#" are skipped. Column names must outlive the test.
 inline void addRows(const char* path, std::initializer_list<const char*> columns)
 {
@@ -47,8 +47,8 @@ inline void addRows(const char* path, std::initializer_list<const char*> columns
                 field.remove(0, 1);
             if (field.endsWith(QLatin1Char(' ')))
                 field.chop(1);
-            row << field.replace(QLatin1String("\\t"), QLatin1String("\t"))
-                       .replace(QLatin1String("\\n"), QLatin1String("\n"));
+            row << field.replace(QLatin1String("<TAB>"), QLatin1String("\t"))
+                       .replace(QLatin1String("<LF>"), QLatin1String("\n"));
         }
         ++rows;
     }
