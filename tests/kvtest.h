@@ -9,7 +9,7 @@
 #include <QTest>
 
 #include <ctime>
-#include <initializer_list>
+#include <list>
 
 namespace KvTest {
 
@@ -23,14 +23,16 @@ inline void pinLocaleAndZone(const char* zone = "UTC")
 }
 
 // One row per line of tests/data/<path>: fields separated by "|", the first
-// one names the row, the others fill the QString columns in order. One blank
-// on either side of a "|" belongs to the separator, further blanks to the
-// field; "<TAB>" and "<LF>" stand for a tab and a line feed. Blank lines and lines
-// starting with "#" are skipped. Column names must outlive the test.
-inline void addRows(const char* path, std::initializer_list<const char*> columns)
+// one names the row, the others fill the QString columns named in `columns`
+// (separated by blanks) in order. One blank on either side of a "|" belongs
+// to the separator, further blanks to the field; "<TAB>" and "<LF>" stand for
+// a tab and a line feed. Blank lines and lines starting with "#" are skipped.
+inline void addRows(const char* path, const char* columns)
 {
-    for (const char* column : columns)
-        QTest::addColumn<QString>(column);
+    static std::list<QByteArray> names; // QTest keeps the pointers
+    const QList<QByteArray> wanted = QByteArray(columns).split(' ');
+    for (const QByteArray& column : wanted)
+        QTest::addColumn<QString>(names.insert(names.end(), column)->constData());
     QFile file(QStringLiteral(KVBASE_TEST_DATA_DIR "/") + QLatin1String(path));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         qFatal("cannot read %s", qPrintable(file.fileName()));
@@ -39,7 +41,7 @@ inline void addRows(const char* path, std::initializer_list<const char*> columns
         if (line.trimmed().isEmpty() || line.startsWith(QLatin1Char('#')))
             continue;
         QStringList fields = line.split(QLatin1Char('|'));
-        if (fields.size() != int(columns.size()) + 1)
+        if (fields.size() != wanted.size() + 1)
             qFatal("%s: %d fields in: %s", path, int(fields.size()), qPrintable(line));
         QTestData& row = QTest::newRow(qPrintable(fields.takeFirst().trimmed()));
         for (QString field : fields) {
@@ -54,6 +56,12 @@ inline void addRows(const char* path, std::initializer_list<const char*> columns
     }
     if (rows == 0)
         qFatal("no rows in %s", path);
+}
+
+// The current row's text in `column` of a table made by addRows.
+inline const QString& field(const char* column)
+{
+    return *static_cast<const QString*>(QTest::qData(column, qMetaTypeId<QString>()));
 }
 
 } // namespace KvTest

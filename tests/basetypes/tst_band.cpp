@@ -5,6 +5,8 @@
 
 #include <QDomDocument>
 
+using KvTest::field;
+
 class TestBand : public QObject
 {
     Q_OBJECT
@@ -38,34 +40,30 @@ private Q_SLOTS:
 
     void standardChannelNumbering_data()
     {
-        KvTest::addRows("basetypes/gsmbands.txt", {"band", "name", "firstKHz", "first", "last"});
+        KvTest::addRows("basetypes/gsmbands.txt", "band name firstKHz first last");
     }
 
     // Every channel number up to beyond 1023: valid exactly where the standard
     // defines it, at the standard's frequency, and back from that frequency.
     void standardChannelNumbering()
     {
-        QFETCH(QString, band);
-        QFETCH(QString, name);
-        QFETCH(QString, firstKHz);
-        QFETCH(QString, first);
-        QFETCH(QString, last);
         GSM gsm;
-        const Band row = gsm.GetBand(band.toUInt());
-        QCOMPARE(row.GetName(), name);
+        const Band row = gsm.GetBand(field("band").toUInt());
+        QCOMPARE(row.GetName(), field("name"));
         QCOMPARE(QStringLiteral("system %1, visible %2, raster %3")
                      .arg(row.isSystem())
                      .arg(row.isVisible())
                      .arg(row.GetUseRaster()),
                  QStringLiteral("system 1, visible 1, raster 1"));
         for (unsigned long n = 0; n <= 1200; ++n) {
-            const bool eGsm = band.toInt() < 2 && n >= 955 && n <= 1023;
-            const bool valid = eGsm || (first.toULong() <= n && n <= last.toULong());
+            const bool eGsm = field("band").toInt() < 2 && n >= 955 && n <= 1023;
+            const bool valid = eGsm || (field("first").toULong() <= n && n <= field("last").toULong());
             QVERIFY2(row.IsValidChannel(n) == valid, qPrintable(QStringLiteral("channel %1").arg(n)));
             const double hz =
-                (firstKHz.toDouble() + 200.0 * (long(n) - (eGsm ? 1024 : first.toLong()))) * 1000.0;
+                (field("firstKHz").toDouble() + 200.0 * (long(n) - (eGsm ? 1024 : field("first").toLong()))) *
+                1000.0;
             if (valid) {
-                QCOMPARE(gsm.Channel2Frequency(n, GSM::EGSMBand(band.toInt())), hz);
+                QCOMPARE(gsm.Channel2Frequency(n, GSM::EGSMBand(field("band").toInt())), hz);
                 QCOMPARE(row.GetChannelForFrequency(hz), n);
             }
         }
@@ -189,22 +187,14 @@ private Q_SLOTS:
         QVERIFY2(!(channels < plain), "equal steps order");
     }
 
-    void plainBand_data()
-    {
-        KvTest::addRows("basetypes/rasters.txt", {"step", "offset", "frequency", "snapped", "found"});
-    }
+    void plainBand_data() { KvTest::addRows("basetypes/rasters.txt", "step offset frequency snapped found"); }
 
     void plainBand()
     {
-        QFETCH(QString, step);
-        QFETCH(QString, offset);
-        QFETCH(QString, frequency);
-        QFETCH(QString, snapped);
-        QFETCH(QString, found);
-        Band band(QStringLiteral("plain"), step.toDouble(), offset.toDouble(), true);
+        Band band(QStringLiteral("plain"), field("step").toDouble(), field("offset").toDouble(), true);
         unsigned long channel = 42;
-        QCOMPARE(band.GetFrequency(77, frequency.toDouble()), snapped.toDouble());
-        QCOMPARE(int(band.FindFrequency(frequency.toDouble(), channel)), found.toInt());
+        QCOMPARE(band.GetFrequency(77, field("frequency").toDouble()), field("snapped").toDouble());
+        QCOMPARE(int(band.FindFrequency(field("frequency").toDouble(), channel)), field("found").toInt());
         QCOMPARE(channel, 42ul);
     }
 
@@ -266,15 +256,13 @@ private Q_SLOTS:
         }
     }
 
-    void read_data() { KvTest::addRows("basetypes/bandreading.txt", {"children", "saves"}); }
+    void read_data() { KvTest::addRows("basetypes/bandreading.txt", "children saves"); }
 
     void read()
     {
-        QFETCH(QString, children);
-        QFETCH(QString, saves);
         Band band(QStringLiteral("seed"), 200000.0, 1e9, 1, 2, 1, false);
-        readInto(band, children);
-        QVERIFY2(saved(band).contains(saves), qPrintable(saved(band)));
+        readInto(band, field("children"));
+        QVERIFY2(saved(band).contains(field("saves")), qPrintable(saved(band)));
     }
 
     void readTracesNonElements()

@@ -4,6 +4,8 @@
 
 #include "kvtest.h"
 
+using KvTest::field;
+
 namespace {
 
 // Every text-to-value entry point, reading into the value's text.
@@ -18,16 +20,17 @@ QString parsed(const QString& text, int base, bool* ok)
         return QString::number(NumberHelpers::parse<T>(text, QLocale(QLocale::German), ok, base));
 }
 
+// The unit the current row's step reaches.
 template <typename Unit>
-QString stepped(const QString& direction, int from, const QString& allowed)
+QString stepped()
 {
     QList<typename Unit::Type> units;
-    for (const QString& unit : allowed.split(QLatin1Char(' '), Qt::SkipEmptyParts))
+    for (const QString& unit : KvTest::field("allowed").split(' ', Qt::SkipEmptyParts))
         units << typename Unit::Type(unit.toInt());
-    const auto start = typename Unit::Type(from);
+    const auto start = typename Unit::Type(KvTest::field("from").toInt());
     const auto list = units.isEmpty() ? Unit::values() : units;
-    return QString::number(direction == QLatin1String("successor") ? Unit::successor(start, list)
-                                                                   : Unit::predecessor(start, list));
+    return QString::number(KvTest::field("direction") == "successor" ? Unit::successor(start, list)
+                                                                     : Unit::predecessor(start, list));
 }
 
 bool registeredByName(const char* name)
@@ -60,32 +63,18 @@ private Q_SLOTS:
         QVERIFY(registeredByName("TimeUnit::Type"));
     }
 
-    void steps_data()
-    {
-        KvTest::addRows("basetypes/unitsteps.txt", {"unit", "direction", "from", "allowed", "reached"});
-    }
+    void steps_data() { KvTest::addRows("basetypes/unitsteps.txt", "unit direction from allowed reached"); }
 
     void steps()
     {
-        QFETCH(QString, unit);
-        QFETCH(QString, direction);
-        QFETCH(QString, from);
-        QFETCH(QString, allowed);
-        QFETCH(QString, reached);
-        QCOMPARE(unit == QLatin1String("TimeUnit") ? stepped<TimeUnit>(direction, from.toInt(), allowed)
-                                                   : stepped<FrequencyUnit>(direction, from.toInt(), allowed),
-                 reached);
+        QCOMPARE(field("unit") == "TimeUnit" ? stepped<TimeUnit>() : stepped<FrequencyUnit>(),
+                 field("reached"));
     }
 
-    void parse_data() { KvTest::addRows("basetypes/parsing.txt", {"type", "text", "base", "value", "ok"}); }
+    void parse_data() { KvTest::addRows("basetypes/parsing.txt", "type text base value ok"); }
 
     void parse()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, text);
-        QFETCH(QString, base);
-        QFETCH(QString, value);
-        QFETCH(QString, ok);
         const QHash<QString, Parser> parsers{{"FrequencyUnit", &parsed<FrequencyUnit>},
                                              {"TimeUnit", &parsed<TimeUnit>},
                                              {"EmptyEnum", &parsed<EnumHelpers::EmptyEnum>},
@@ -97,11 +86,12 @@ private Q_SLOTS:
                                              {"float", &parsed<float>},
                                              {"double", &parsed<double>},
                                              {"bool", &parsed<bool>}};
-        QVERIFY2(parsers.contains(type), qPrintable(type));
-        bool parsedOk = ok != QLatin1String("true");
-        QCOMPARE(parsers.value(type)(text, base.toInt(), &parsedOk), value);
-        QCOMPARE(parsedOk, ok == QLatin1String("true"));
-        QCOMPARE(parsers.value(type)(text, base.toInt(), nullptr), value);
+        QVERIFY2(parsers.contains(field("type")), qPrintable(field("type")));
+        bool parsedOk = field("ok") != "true";
+        QCOMPARE(parsers.value(field("type"))(field("text"), field("base").toInt(), &parsedOk),
+                 field("value"));
+        QCOMPARE(parsedOk, field("ok") == "true");
+        QCOMPARE(parsers.value(field("type"))(field("text"), field("base").toInt(), nullptr), field("value"));
     }
 };
 

@@ -1,81 +1,143 @@
-#include "errorhandling/quality.h"
+#include "errorhandling/errorhandler.h"
+#include "errorhandling/kvexception.h"
+#include "errorhandling/kvtextfile.h"
+#include "errorhandling/messagelist.h"
 
 #include "kvtest.h"
-#include "recorders.h"
 
+#include <QTemporaryDir>
+
+using KvTest::field;
+
+// The records the error handler keeps: exceptions and their texts, the message
+// list, and the text files it writes.
 class TestKvException : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void texts_data()
+    QTemporaryDir m_dir;
+
+    static void add(MessageList& list, const QString& texts)
     {
-        KvTest::addRows("errorhandling/exceptiontexts.txt", {"exception", "format", "level", "text"});
+        for (const QChar c : texts)
+            list.AddMessage(std::make_shared<Message>(QString(c), QTime(12, 0), 255));
     }
+    static QByteArray bytes(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void texts_data() { KvTest::addRows("errorhandling/texts.txt", "exception format level text"); }
 
     void texts()
     {
-        QFETCH(QString, exception);
-        QFETCH(QString, format);
-        QFETCH(QString, level);
-        QFETCH(QString, text);
-        KvException e = exception == QLatin1String("default")
+        KvException e = field("exception") == "default"
                             ? KvException()
                             : KvException(std::string("Division by zero"), "calc", "Calc", "Run", 42, 7);
         e.SetErrorTime(QTime(10, 15, 2));
-        const auto f = static_cast<KvExceptionTextFormat>(format.toInt());
-        QCOMPARE(e.GetExceptionWideText(f, static_cast<unsigned char>(level.toInt())), text);
-        QCOMPARE(e.GetExceptionAsciiText(f, static_cast<unsigned char>(level.toInt())), text.toStdString());
+        const auto format = static_cast<KvExceptionTextFormat>(field("format").toInt());
+        const auto level = static_cast<unsigned char>(field("level").toInt());
+        QCOMPARE(e.GetExceptionWideText(format, level), field("text"));
+        QCOMPARE(e.GetExceptionAsciiText(format, level), field("text").toStdString());
     }
 
-    void narrowTextsAreUtf8AndLatin1()
+    void copiesKeepTheTimeAndNarrowTextsAreUtf8AndLatin1()
     {
         const KvException e(std::string("Gr\xC3\xB6\xC3\x9F"
                                         "e"),
                             "caf\xE9", nullptr, "Run", 3, 9);
-        QCOMPARE(e.GetErrorReason() + QLatin1Char('|') + e.GetFileName() + QLatin1Char('|') + e.ClassName(),
+        QCOMPARE(e.GetErrorReason() + '|' + e.GetFileName() + '|' + e.ClassName(),
                  QString::fromUtf8("Größe|café|"));
-    }
-
-    void copiesKeepTheTime()
-    {
-        const KvException first(QStringLiteral("r"), QStringLiteral("f"), QStringLiteral("c"),
-                                QStringLiteral("m"), 1, 2);
         KvException copy;
-        copy = first;
-        QVERIFY2(copy == first, "a copy differs from its source");
-        copy.SetErrorTime(first.GetErrorTime().addSecs(1));
-        QVERIFY2(copy != first, "exceptions a second apart compare equal");
+        copy = e;
+        QVERIFY2(copy == e, "a copy differs from its source");
+        copy.SetErrorTime(e.GetErrorTime().addSecs(1));
+        QVERIFY2(copy != e, "exceptions a second apart compare equal");
     }
 
-    void contractChecksReportAndReturn_data()
+    void messageList_data()
     {
-        KvTest::addRows("errorhandling/contractchecks.txt", {"check", "message", "posted"});
+        KvTest::addRows("errorhandling/messagelists.txt", "maximum added resized addedThen list");
     }
 
-    // Recorded at once, in this thread, as an error with the library's id, and the dialog was asked for.
-    void contractChecksReportAndReturn()
+    void messageList()
     {
-        QFETCH(QString, check);
-        QFETCH(QString, message);
-        QFETCH(QString, posted);
-        auto dialog = std::make_unique<RecordingDialog>();
-        RecordingDialog* seen = dialog.get();
-        ErrorHandler::SetMessageDlg(std::move(dialog));
-        const int x = 0;
-        if (check == QLatin1String("require"))
-            _Q_require(L"calc", 7);
-        else if (check == QLatin1String("ensure"))
-            _Q_ensure(L"calc", 7);
-        else if (check == QLatin1String("assert"))
-            _Q_assert(L"x>0", L"calc", 7);
-        else
-            KV_ASSERT(x > 0);
-        KV_REQUIRE(x == 0); // holds: no report
-        QCOMPARE(seen->calls, QStringList(QStringLiteral("post exception %1 1 false -1 false").arg(posted)));
-        ErrorHandler::SetMessageDlg(nullptr);
-        const QString newest = ErrorHandler::Instance().GetMessages()->GetList().front()->GetText();
-        QVERIFY2(newest.startsWith(message), qPrintable(newest));
+        MessageList messages(field("maximum").toUInt());
+        add(messages, field("added"));
+        if (!field("resized").isEmpty())
+            messages.SetMaxNumber(field("resized").toUInt());
+        add(messages, field("addedThen"));
+        const MessageList copy(messages); // copies share the messages
+        QString texts;
+        for (const auto& entry : copy.GetList())
+            texts += entry ? entry->GetText() : "-";
+        QCOMPARE(texts, field("list"));
+        QCOMPARE(messages.GetCurrentMessage(), messages.GetList().front());
+    }
+
+    void messagesOrderByTimeOfDayOnly()
+    {
+        const Message a("a", QTime(8, 0), 1);
+        const Message b("b", QTime(8, 0), 1);
+        QVERIFY2(!(a < b) && !(a > b) && a <= b && a >= b, "equal times do not order as equal");
+        QVERIFY2(a != b, "different texts compare equal");
+        QVERIFY2(a < Message("a", QTime(23, 0), 1), "a later time does not order after");
+    }
+
+    void missingFileThrowsAfterATrace()
+    {
+        const QString path = m_dir.filePath("missing.txt");
+        try {
+            KvTextFile file(path, false);
+            QFAIL("a missing file was opened");
+        } catch (const KvException& e) {
+            QCOMPARE(e.GetExceptionWideText(FieldList, 1).section(QLatin1Char('@'), 0, 5),
+                     QStringLiteral(
+                         "!@File does not exist - see Details@errorhandling\\kvtextfile@39@KvTextFile@ctor"));
+            QCOMPARE(e.GetErrorId(), 0xFFFFFFFFu);
+        }
+        QTRY_VERIFY(!ErrorHandler::Instance().GetMessages()->GetList().empty());
+        QCOMPARE(ErrorHandler::Instance().GetMessages()->GetList().front()->GetText().section(
+                     QLatin1Char('@'), 0, 3),
+                 QStringLiteral("3@%1@errorhandling\\kvtextfile@37").arg(path));
+        QVERIFY2(!QFile::exists(path), "a missing file was created");
+        KvTextFile created(path, true);
+        QVERIFY2(QFile::exists(path), "a file that may be missing was not created");
+    }
+
+    // The narrow overload writes the bytes, the wide one an address; the
+    // result is the length + 2, cut to 16 bits.
+    void writtenLines()
+    {
+        const QString path = m_dir.filePath("lines.txt");
+        {
+            KvTextFile file(path, true);
+            QCOMPARE(file.WriteLine(std::string("abc")), static_cast<unsigned short>(5));
+            QCOMPARE(file.AppendLine(std::string(70000, 'x')), static_cast<unsigned short>(70002 - 65536));
+            QCOMPARE(file.WriteLine(QString("hello")), static_cast<unsigned short>(7));
+            file.WriteLine(std::string("d\xE9"
+                                       "f"));
+        }
+        const QList<QByteArray> lines = bytes(path).split('\n');
+        QVERIFY2(lines.value(2).startsWith("0x"), lines.value(2).constData());
+        QCOMPARE(lines.value(3), QByteArray("d\xE9"
+                                            "f"));
+        KvTextFile file(path, false);
+        QCOMPARE(file.ReadLine(), QString("abc"));
+        for (int i = 0; i < 3; ++i)
+            file.ReadLine();
+        QCOMPARE(file.ReadLine(), QString());
+        QVERIFY(file.atEnd());
+    }
+
+    void logFileOverwritesFromTheStart()
+    {
+        const QString path = m_dir.filePath("Logger.txt");
+        LogFile(path).AddMessage("first long line");
+        QVERIFY(LogFile(path).AddMessage("new"));
+        QCOMPARE(bytes(path), QByteArray("new\nt long line\n"));
     }
 };
 

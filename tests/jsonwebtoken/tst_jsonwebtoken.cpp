@@ -10,6 +10,8 @@
 
 #include <cmath>
 
+using KvTest::field;
+
 using namespace jsonWebToken;
 
 namespace {
@@ -72,25 +74,18 @@ class TestJsonWebToken : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void fromString_data()
-    {
-        KvTest::addRows("jsonwebtoken/fromstring.txt", {"type", "text", "value", "ok"});
-    }
+    void fromString_data() { KvTest::addRows("jsonwebtoken/fromstring.txt", "type text value ok"); }
 
     void fromString()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, text);
-        QFETCH(QString, value);
-        QFETCH(QString, ok);
         const QHash<QString, QString (*)(const QString&, bool*)> parsers{
             {"SignatureAlgorithm", &parsed<SignatureAlgorithm>},
             {"Claim", &parsed<Claim>},
             {"VerificationError", &parsed<VerificationError>}};
-        bool parsedOk = ok != QLatin1String("true");
-        QCOMPARE(parsers.value(type)(text, &parsedOk), value);
-        QCOMPARE(parsedOk, ok == QLatin1String("true"));
-        QCOMPARE(parsers.value(type)(text, nullptr), value);
+        bool parsedOk = field("ok") != "true";
+        QCOMPARE(parsers.value(field("type"))(field("text"), &parsedOk), field("value"));
+        QCOMPARE(parsedOk, field("ok") == "true");
+        QCOMPARE(parsers.value(field("type"))(field("text"), nullptr), field("value"));
     }
 
     // ContentType has an empty name and is left out of the list, so no text reads as it.
@@ -138,16 +133,14 @@ private Q_SLOTS:
         QCOMPARE(iat(-HUGE_VAL), at(-std::numeric_limits<qint64>::max() / 1000));
     }
 
-    void segment_data() { KvTest::addRows("jsonwebtoken/segments.txt", {"segment", "members"}); }
+    void segment_data() { KvTest::addRows("jsonwebtoken/segments.txt", "segment members"); }
 
     void segment()
     {
-        QFETCH(QString, segment);
-        QFETCH(QString, members);
-        const auto header = Header::fromValue(segment.toLatin1());
-        const auto payload = Payload::fromValue(segment.toLatin1());
-        QCOMPARE(header ? QString::fromUtf8(json(header->value())) : QString(), members);
-        QCOMPARE(payload ? QString::fromUtf8(json(payload->value())) : QString(), members);
+        const auto header = Header::fromValue(field("segment").toLatin1());
+        const auto payload = Payload::fromValue(field("segment").toLatin1());
+        QCOMPARE(header ? QString::fromUtf8(json(header->value())) : QString(), field("members"));
+        QCOMPARE(payload ? QString::fromUtf8(json(payload->value())) : QString(), field("members"));
     }
 
     void rfc7515Example()
@@ -209,27 +202,23 @@ private Q_SLOTS:
 
     void verify_data()
     {
-        KvTest::addRows("jsonwebtoken/verify.txt", {"signedWith", "key", "verifyWith", "time", "expected"});
+        KvTest::addRows("jsonwebtoken/verify.txt", "signedWith key verifyWith time expected");
     }
 
     void verify()
     {
-        QFETCH(QString, signedWith);
-        QFETCH(QString, key);
-        QFETCH(QString, verifyWith);
-        QFETCH(QString, time);
-        QFETCH(QString, expected);
-        const Token token = signedToken(algorithm(signedWith));
-        const QDateTime when = at(time.toLongLong());
+        const Token token = signedToken(algorithm(field("signedWith")));
+        const QDateTime when = at(field("time").toLongLong());
         const boost::optional<const QDateTime&> now =
-            time.isEmpty() ? boost::none : boost::optional<const QDateTime&>(when);
-        QCOMPARE(VerificationError::toString(token.verify(key.toUtf8(), algorithm(verifyWith), now)),
-                 expected);
+            field("time").isEmpty() ? boost::none : boost::optional<const QDateTime&>(when);
+        QCOMPARE(VerificationError::toString(
+                     token.verify(field("key").toUtf8(), algorithm(field("verifyWith")), now)),
+                 field("expected"));
         // The parsed copy is the same token and checks the same way.
         const auto parsed = Token::fromValue(token.value());
         QCOMPARE(parsed, boost::make_optional(token));
-        QCOMPARE(parsed->verify(key.toUtf8(), algorithm(verifyWith), now),
-                 token.verify(key.toUtf8(), algorithm(verifyWith), now));
+        QCOMPARE(parsed->verify(field("key").toUtf8(), algorithm(field("verifyWith")), now),
+                 token.verify(field("key").toUtf8(), algorithm(field("verifyWith")), now));
     }
 
     void signing()

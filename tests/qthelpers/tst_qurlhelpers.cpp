@@ -2,6 +2,8 @@
 
 #include "kvtest.h"
 
+using KvTest::field;
+
 using namespace QUrlHelpers;
 
 class TestQUrlHelpers : public QObject
@@ -9,21 +11,17 @@ class TestQUrlHelpers : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void hostPort_data() { KvTest::addRows("qthelpers/hostport.txt", {"text", "isString", "url", "back"}); }
+    void hostPort_data() { KvTest::addRows("qthelpers/hostport.txt", "text isString url back"); }
 
     void hostPort()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, isString);
-        QFETCH(QString, url);
-        QFETCH(QString, back);
-        QCOMPARE(isMirelTcpHostPortString(text), isString == QLatin1String("yes"));
-        const QUrl converted = urlFromMirelTcpHostPortString(text);
-        QCOMPARE(converted.toString(), url);
-        QCOMPARE(converted.isEmpty(), isString == QLatin1String("no"));
-        const QUrl source = converted.isEmpty() ? QUrl(text) : converted;
-        QCOMPARE(urlToMirelTcpHostPortString(source), back);
-        QCOMPARE(isMirelTcpHostPortUrl(source), !back.isEmpty());
+        QCOMPARE(isMirelTcpHostPortString(field("text")), field("isString") == "yes");
+        const QUrl converted = urlFromMirelTcpHostPortString(field("text"));
+        QCOMPARE(converted.toString(), field("url"));
+        QCOMPARE(converted.isEmpty(), field("isString") == "no");
+        const QUrl source = converted.isEmpty() ? QUrl(field("text")) : converted;
+        QCOMPARE(urlToMirelTcpHostPortString(source), field("back"));
+        QCOMPARE(isMirelTcpHostPortUrl(source), !field("back").isEmpty());
     }
 };
 
