@@ -14,7 +14,7 @@ class TestBand : public QObject
     static QString saved(Band& band)
     {
         QDomDocument doc;
-        QDomElement element = doc.createElement(QStringLiteral("Band"));
+        QDomElement element = doc.createElement(QString("Band"));
         doc.appendChild(element);
         band.Save(doc, element);
         return doc.toString(-1).trimmed();
@@ -23,7 +23,7 @@ class TestBand : public QObject
     static void readInto(Band& band, const QString& children)
     {
         QDomDocument doc;
-        doc.setContent(QStringLiteral("<Band>%1</Band>").arg(children));
+        doc.setContent(QString("<Band>%1</Band>").arg(children));
         QDomElement element = doc.documentElement();
         band.Read(doc, element);
     }
@@ -32,7 +32,7 @@ class TestBand : public QObject
     {
         bool moreAbove = false, moreBelow = false;
         const double next = band.GetNextFrequency(up, moreAbove, moreBelow, current, lowFreq, highFreq);
-        return QStringLiteral("%1 %2 %3").arg(next, 0, 'f', 0).arg(int(moreAbove)).arg(int(moreBelow));
+        return QString("%1 %2 %3").arg(next, 0, 'f', 0).arg(int(moreAbove)).arg(int(moreBelow));
     }
 
 private Q_SLOTS:
@@ -50,15 +50,15 @@ private Q_SLOTS:
         GSM gsm;
         const Band row = gsm.GetBand(field("band").toUInt());
         QCOMPARE(row.GetName(), field("name"));
-        QCOMPARE(QStringLiteral("system %1, visible %2, raster %3")
+        QCOMPARE(QString("system %1, visible %2, raster %3")
                      .arg(row.isSystem())
                      .arg(row.isVisible())
                      .arg(row.GetUseRaster()),
-                 QStringLiteral("system 1, visible 1, raster 1"));
+                 QString("system 1, visible 1, raster 1"));
         for (unsigned long n = 0; n <= 1200; ++n) {
             const bool eGsm = field("band").toInt() < 2 && n >= 955 && n <= 1023;
             const bool valid = eGsm || (field("first").toULong() <= n && n <= field("last").toULong());
-            QVERIFY2(row.IsValidChannel(n) == valid, qPrintable(QStringLiteral("channel %1").arg(n)));
+            QVERIFY2(row.IsValidChannel(n) == valid, qPrintable(QString("channel %1").arg(n)));
             const double hz =
                 (field("firstKHz").toDouble() + 200.0 * (long(n) - (eGsm ? 1024 : field("first").toLong()))) *
                 1000.0;
@@ -75,9 +75,9 @@ private Q_SLOTS:
         QCOMPARE(gsm.GetBand(12), gsm.GetBand(0));
         QCOMPARE(gsm.Channel2Frequency(1, GSM::EGSMBand(12)), -1.0);
         QCOMPARE(gsm.Channel2Frequency(1, GSM::EGSMBand(-1)), -1.0);
-        BandGSM out(QStringLiteral("untouched"), 1.0, 2.0, 3, 4, 5);
+        BandGSM out(QString("untouched"), 1.0, 2.0, 3, 4, 5);
         QVERIFY2(!gsm.GetDefinition(12, out), "a definition past the table");
-        QCOMPARE(out.GetName(), QStringLiteral("untouched"));
+        QCOMPARE(out.GetName(), QString("untouched"));
         QVERIFY2(gsm.GetDefinition(GSM::GSM1800Down, out), "no definition of GSM1800 Down");
         QCOMPARE(out, static_cast<const BandGSM&>(gsm.GetBand(GSM::GSM1800Down)));
         QString name;
@@ -86,8 +86,7 @@ private Q_SLOTS:
         QVERIFY2(!gsm.GetDefinition(12, name, step, step, first, last), "a definition past the table");
         QCOMPARE(first, 7ul);
         QVERIFY2(gsm.GetDefinition(0, name, step, step, first, last), "no definition of GSM900 Up");
-        QCOMPARE(QStringLiteral("%1 %2-%3").arg(name).arg(first).arg(last),
-                 QStringLiteral("GSM900 Up 0-1023"));
+        QCOMPARE(QString("%1 %2-%3").arg(name).arg(first).arg(last), QString("GSM900 Up 0-1023"));
         // Hiding ignores its flag and indices past the table.
         gsm.setVisible(3, true);
         gsm.setVisible(12, true);
@@ -116,7 +115,7 @@ private Q_SLOTS:
         const BandGSM egsm = GSM().GetBand(GSM::GSM900Up);
         const BandGSM dcs = GSM().GetBand(GSM::GSM1800Up);
         // Channel n at 1 MHz + n kHz.
-        const BandGSM kilo(QStringLiteral("kilo"), 1000.0, 1e6, 0, 100, 0);
+        const BandGSM kilo(QString("kilo"), 1000.0, 1e6, 0, 100, 0);
         BandGSM finer = egsm;
         finer.SetStepWidth(100000.0);
         QCOMPARE(dcs.GetChannelForFrequency(1710300000.0), 513ul);     // one part rounds half up
@@ -128,7 +127,7 @@ private Q_SLOTS:
         QCOMPARE(kilo.GetChannelForFrequency(998400.0), 4294967294ul); // -1.6 rounds to -2, 32-bit wrapped
         QCOMPARE(kilo.GetChannelForFrequency(qQNaN()), 0ul);
 
-        BandGSM even(QStringLiteral("gap of 9"), 1000.0, 1e6, 0, 10, 0);
+        BandGSM even(QString("gap of 9"), 1000.0, 1e6, 0, 10, 0);
         even.AddSubBand(1000.0, 1e6, 20, 30, 0);
         BandGSM overreaching = egsm;
         overreaching.SetStopChannel(5000);
@@ -153,37 +152,36 @@ private Q_SLOTS:
         };
         QCOMPARE(range(dcs, 1720e6, 1730e6), qMakePair(561, 611)); // 1720.0 and 1730.0 MHz
         // Counted from the start channel, not from the factor: 1.010 MHz is channel 15.
-        QCOMPARE(range(BandGSM(QStringLiteral("offset"), 1000.0, 1e6, 10, 100, 5), 1.010e6, 2e6),
+        QCOMPARE(range(BandGSM(QString("offset"), 1000.0, 1e6, 10, 100, 5), 1.010e6, 2e6),
                  qMakePair(20, 100));
     }
 
     void envelopeAndEquality()
     {
         // Sub-bands widen the start frequency and channel range, never the factor or step.
-        BandGSM band(QStringLiteral("pieces"), 1000.0, 5e6, 100, 200, 100);
+        BandGSM band(QString("pieces"), 1000.0, 5e6, 100, 200, 100);
         band.AddSubBand(500.0, 2e6, 50, 80, 50);
         // Compared as signed 32-bit numbers, a channel of 2^31 or more is negative.
         band.AddSubBand(500.0, 1e6, 0x90000000ul, 0x90000010ul, 0);
-        QCOMPARE(QStringLiteral("%1 Hz, %2-%3, factor %4, step %5")
+        QCOMPARE(QString("%1 Hz, %2-%3, factor %4, step %5")
                      .arg(band.GetStartFreq())
                      .arg(band.GetStartChannel())
                      .arg(band.GetStopChannel())
                      .arg(band.GetChannelCalculationFactor())
                      .arg(band.GetStepWidth()),
-                 QStringLiteral("1e+06 Hz, 50-200, factor 100, step 1000"));
+                 QString("1e+06 Hz, 50-200, factor 100, step 1000"));
         // Equal bands: the cursor counts, NaN never matches, and only Band compares the type.
         BandGSM moved = GSM().GetBand(GSM::GSM900Up);
         moved.GetFrequency(3);
         QVERIFY2(moved != GSM().GetBand(GSM::GSM900Up), "the channel cursor does not count");
         moved.SetOffset(qQNaN());
         QVERIFY2(moved != moved, "a NaN offset equals itself");
-        const Band plain(QStringLiteral("x"), 1000.0, 0.0, true);
-        const Band channels(QStringLiteral("x"), 1000.0, 0.0, 0, 0, 0, false);
+        const Band plain(QString("x"), 1000.0, 0.0, true);
+        const Band channels(QString("x"), 1000.0, 0.0, 0, 0, 0, false);
         QVERIFY2(static_cast<const BandGSM&>(plain) == channels, "BandGSM compares the type");
         QVERIFY2(plain != channels, "Band ignores the type");
         // Bands order by step width alone.
-        QVERIFY2(Band(QStringLiteral("y"), 999.0, 5.0, false) < channels,
-                 "a smaller step does not order first");
+        QVERIFY2(Band(QString("y"), 999.0, 5.0, false) < channels, "a smaller step does not order first");
         QVERIFY2(!(channels < plain), "equal steps order");
     }
 
@@ -191,7 +189,7 @@ private Q_SLOTS:
 
     void plainBand()
     {
-        Band band(QStringLiteral("plain"), field("step").toDouble(), field("offset").toDouble(), true);
+        Band band(QString("plain"), field("step").toDouble(), field("offset").toDouble(), true);
         unsigned long channel = 42;
         QCOMPARE(band.GetFrequency(77, field("frequency").toDouble()), field("snapped").toDouble());
         QCOMPARE(int(band.FindFrequency(field("frequency").toDouble(), channel)), field("found").toInt());
@@ -210,44 +208,42 @@ private Q_SLOTS:
         QCOMPARE(egsm.GetChannelValue(), 975ul);
         // Stepping starts from the cursor and jumps the E-GSM gap in the direction of travel.
         egsm.FindFrequency(914.8e6, channel);
-        QCOMPARE(step(egsm, true, 0.0, 0.0, 2e9), QStringLiteral("876200000 1 1"));
-        QCOMPARE(step(egsm, false, 0.0, 0.0, 2e9), QStringLiteral("914800000 1 1"));
+        QCOMPARE(step(egsm, true, 0.0, 0.0, 2e9), QString("876200000 1 1"));
+        QCOMPARE(step(egsm, false, 0.0, 0.0, 2e9), QString("914800000 1 1"));
         // Below channel 0 the 32-bit cursor wraps and is clamped to the top channel.
         egsm.FindFrequency(890e6, channel);
-        QCOMPARE(step(egsm, false, 0.0, 0.0, 2e9), QStringLiteral("889800000 0 1"));
-        Band plain(QStringLiteral("plain"), 25000.0, 0.0, false);
+        QCOMPARE(step(egsm, false, 0.0, 0.0, 2e9), QString("889800000 0 1"));
+        Band plain(QString("plain"), 25000.0, 0.0, false);
         QCOMPARE(plain.GetFrequency(0, 100012e3), 100012e3); // without raster anything goes
         QCOMPARE(plain.FindFrequency(100012e3, channel), Band::FrequencyNoRaster);
         plain.SetUseRaster(true);
-        QCOMPARE(step(plain, true, 100.975e6, 100e6, 101e6), QStringLiteral("101000000 0 1"));
-        QCOMPARE(step(plain, false, 100.03e6, 100e6, 101e6), QStringLiteral("100000000 1 0"));
+        QCOMPARE(step(plain, true, 100.975e6, 100e6, 101e6), QString("101000000 0 1"));
+        QCOMPARE(step(plain, false, 100.03e6, 100e6, 101e6), QString("100000000 1 0"));
     }
 
     void save()
     {
         Band system = GSM().GetBand(GSM::GSM900Up);
-        QCOMPARE(saved(system), QStringLiteral("<Band><Name>GSM900 Up</Name></Band>"));
-        Band gsm(QStringLiteral("Private 1800"), 200000.0, 1710200000.0, 512, 885, 512, false);
-        QCOMPARE(
-            saved(gsm),
-            QStringLiteral("<Band><Name>Private 1800</Name><Channelspacing>200000</Channelspacing>"
-                           "<Type>GSM</Type><StartChannel>512</StartChannel><StopChannel>885</StopChannel>"
-                           "<StartFrequency>1710200000.000000</StartFrequency></Band>"));
+        QCOMPARE(saved(system), QString("<Band><Name>GSM900 Up</Name></Band>"));
+        Band gsm(QString("Private 1800"), 200000.0, 1710200000.0, 512, 885, 512, false);
+        QCOMPARE(saved(gsm),
+                 QString("<Band><Name>Private 1800</Name><Channelspacing>200000</Channelspacing>"
+                         "<Type>GSM</Type><StartChannel>512</StartChannel><StopChannel>885</StopChannel>"
+                         "<StartFrequency>1710200000.000000</StartFrequency></Band>"));
         // 20 significant digits for the spacing.
-        Band plain(QStringLiteral("Air"), 25000.0 / 3, -2500.25, false);
-        QCOMPARE(saved(plain), QStringLiteral("<Band><Name>Air</Name><Channelspacing>8333.3333333333339397"
-                                              "</Channelspacing><Type>Simple</Type><Offset>-2500.25</Offset>"
-                                              "<UseRaster>0</UseRaster></Band>"));
+        Band plain(QString("Air"), 25000.0 / 3, -2500.25, false);
+        QCOMPARE(saved(plain), QString("<Band><Name>Air</Name><Channelspacing>8333.3333333333339397"
+                                       "</Channelspacing><Type>Simple</Type><Offset>-2500.25</Offset>"
+                                       "<UseRaster>0</UseRaster></Band>"));
         // A type no constructor makes (read from a future version, say) writes an empty Type.
         struct OddBand : Band
         {
-            OddBand() : Band(QStringLiteral("odd"), 1000.0, 0.0, true) { m_eType = BandType(7); }
+            OddBand() : Band(QString("odd"), 1000.0, 0.0, true) { m_eType = BandType(7); }
         } odd;
         QVERIFY2(saved(odd).contains(QLatin1String("<Type/><Offset>0</Offset><UseRaster>1</UseRaster>")),
                  qPrintable(saved(odd)));
-        for (Band original :
-             {Band(QStringLiteral("<&>\"' Ünïcödé ☂"), 12500.5, -2500.25, true),
-              Band(QStringLiteral("extremes"), 0.1, 0.0, 4294967295ul, 4294967295ul, 0, false)}) {
+        for (Band original : {Band(QString("<&>\"' Ünïcödé ☂"), 12500.5, -2500.25, true),
+                              Band(QString("extremes"), 0.1, 0.0, 4294967295ul, 4294967295ul, 0, false)}) {
             const QString xml = saved(original);
             Band copy;
             readInto(copy, xml.mid(6, xml.size() - 13));
@@ -260,7 +256,7 @@ private Q_SLOTS:
 
     void read()
     {
-        Band band(QStringLiteral("seed"), 200000.0, 1e9, 1, 2, 1, false);
+        Band band(QString("seed"), 200000.0, 1e9, 1, 2, 1, false);
         readInto(band, field("children"));
         QVERIFY2(saved(band).contains(field("saves")), qPrintable(saved(band)));
     }
@@ -274,15 +270,15 @@ private Q_SLOTS:
             return list.empty() ? QString() : list.front()->GetText();
         };
         Band band;
-        readInto(band, QStringLiteral("<Name>b</Name><!--x-->"));
-        QCOMPARE(band.GetName(), QStringLiteral("b"));
+        readInto(band, QString("<Name>b</Name><!--x-->"));
+        QCOMPARE(band.GetName(), QString("b"));
         QCOMPARE(newest().section(QLatin1Char('@'), 0, 5),
-                 QStringLiteral("3@error loading job.@basetypes\\band@321@Band@Read"));
+                 QString("3@error loading job.@basetypes\\band@321@Band@Read"));
         handler.SetMessageMask(ErrorHandler::TraceMask, false);
-        handler.ProtocolMessage(QStringLiteral("marker"), QString(), QString(), QString(), 1, 255);
-        readInto(band, QStringLiteral("<!--x-->"));
+        handler.ProtocolMessage(QString("marker"), QString(), QString(), QString(), 1, 255);
+        readInto(band, QString("<!--x-->"));
         handler.SetMessageMask(ErrorHandler::TraceMask, true);
-        QCOMPARE(newest().section(QLatin1Char('@'), 0, 1), QStringLiteral("@marker"));
+        QCOMPARE(newest().section(QLatin1Char('@'), 0, 1), QString("@marker"));
     }
 };
 

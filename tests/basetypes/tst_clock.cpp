@@ -82,13 +82,13 @@ private Q_SLOTS:
     {
         TimeStamp2QString formatter;
         const auto text = [&formatter](unsigned long long us) { return formatter.toString(us); };
-        QCOMPARE(text(1500000), QStringLiteral("1970-01-01 00:00:01.500.000"));
-        QCOMPARE(text(1500001), QStringLiteral("1970-01-01 00:00:01.500.001"));
+        QCOMPARE(text(1500000), QString("1970-01-01 00:00:01.500.000"));
+        QCOMPARE(text(1500001), QString("1970-01-01 00:00:01.500.001"));
         // Seconds are taken as 32 bits and wrap.
-        QCOMPARE(text(ULLONG_MAX), QStringLiteral("2101-08-26 13:04:45.551.615"));
+        QCOMPARE(text(ULLONG_MAX), QString("2101-08-26 13:04:45.551.615"));
         // A copy starts from the cached date but needs its own conversion state.
         unsigned long long us = ULLONG_MAX;
-        QCOMPARE(TimeStamp2QString(formatter).toString(us), QStringLiteral("2101-08-26 13:04:45.551.615"));
+        QCOMPARE(TimeStamp2QString(formatter).toString(us), QString("2101-08-26 13:04:45.551.615"));
     }
 
     void textFollowsTheZone_data()
@@ -109,12 +109,12 @@ private Q_SLOTS:
         unsigned long long us = 946684799000000ULL; // 1999-12-31 23:59:59 UTC
         for (int i = 0; i < 2000; ++i) {
             const QString expected = QDateTime::fromMSecsSinceEpoch(qint64(us / 1000), Qt::LocalTime)
-                                         .toString(QStringLiteral("yyyy-MM-dd hh:mm:ss.zzz.")) +
-                                     QStringLiteral("%1").arg(us % 1000, 3, 10, QLatin1Char('0'));
+                                         .toString(QString("yyyy-MM-dd hh:mm:ss.zzz.")) +
+                                     QString("%1").arg(us % 1000, 3, 10, QLatin1Char('0'));
             QCOMPARE(formatter.toString(us), expected);
             us += (i % 7 == 0) ? 86400000000ULL * 31 : 370001ULL;
         }
-        QCOMPARE(QDateTime::fromSecsSinceEpoch(1720000000).toString(QStringLiteral("hh")),
+        QCOMPARE(QDateTime::fromSecsSinceEpoch(1720000000).toString(QString("hh")),
                  QString(zone == "UTC"             ? "09"
                          : zone == "Europe/Berlin" ? "11"
                                                    : "05"));

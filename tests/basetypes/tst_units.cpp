@@ -54,9 +54,9 @@ private Q_SLOTS:
     // Only the microsecond unit shows otherwise than it is written.
     void texts()
     {
-        QCOMPARE(TimeUnit::toString(TimeUnit::us), QStringLiteral("us"));
-        QCOMPARE(TimeUnit::toDisplayString(TimeUnit::us), QStringLiteral("\u00b5s"));
-        QCOMPARE(FrequencyUnit::toDisplayString(FrequencyUnit::kHz), QStringLiteral("kHz"));
+        QCOMPARE(TimeUnit::toString(TimeUnit::us), QString("us"));
+        QCOMPARE(TimeUnit::toDisplayString(TimeUnit::us), QString("\u00b5s"));
+        QCOMPARE(FrequencyUnit::toDisplayString(FrequencyUnit::kHz), QString("kHz"));
         QCOMPARE(FrequencyUnit::toString(FrequencyUnit::Type(1)), QString());
         // Queued connections look the types up by name, before anyone asked for their ids.
         QVERIFY(registeredByName("FrequencyUnit::Type"));

@@ -93,15 +93,15 @@ private Q_SLOTS:
             KvTextFile file(path, false);
             QFAIL("a missing file was opened");
         } catch (const KvException& e) {
-            QCOMPARE(e.GetExceptionWideText(FieldList, 1).section(QLatin1Char('@'), 0, 5),
-                     QStringLiteral(
-                         "!@File does not exist - see Details@errorhandling\\kvtextfile@39@KvTextFile@ctor"));
+            QCOMPARE(
+                e.GetExceptionWideText(FieldList, 1).section(QLatin1Char('@'), 0, 5),
+                QString("!@File does not exist - see Details@errorhandling\\kvtextfile@39@KvTextFile@ctor"));
             QCOMPARE(e.GetErrorId(), 0xFFFFFFFFu);
         }
         QTRY_VERIFY(!ErrorHandler::Instance().GetMessages()->GetList().empty());
         QCOMPARE(ErrorHandler::Instance().GetMessages()->GetList().front()->GetText().section(
                      QLatin1Char('@'), 0, 3),
-                 QStringLiteral("3@%1@errorhandling\\kvtextfile@37").arg(path));
+                 QString("3@%1@errorhandling\\kvtextfile@37").arg(path));
         QVERIFY2(!QFile::exists(path), "a missing file was created");
         KvTextFile created(path, true);
         QVERIFY2(QFile::exists(path), "a file that may be missing was not created");

@@ -3,14 +3,9 @@
 
 #include "kvtest.h"
 
-using KvTest::field;
-
-namespace {
-
 // Plays the steps of tests/data/observableobserver/rules.txt (explained there).
-class Model : public Observable
+struct Model : Observable
 {
-public:
     struct Letter : IObserver
     {
         void Update(Observable* source, TChangeCode code) override
@@ -32,15 +27,13 @@ public:
             return void(reactions.insert(text.at(0), text.mid(1)));
         Letter* who = text.size() > 1 ? &letters[text.at(1).toLatin1() - 'a'] : nullptr;
         if (op == '+' && !AddObserver(who))
-            seen << QStringLiteral("refused");
+            seen << "refused";
         else if (op == '-' || op == '*')
             (this->*(op == '-' ? &Observable::DeleteObserver : &Observable::MakeFirstObserver))(who);
         else if (op == '?' || op == '!')
             NotifyObservers(TChangeCode(op == '?' ? 1 : 2), who);
     }
 };
-
-} // namespace
 
 class TestObservable : public QObject
 {
@@ -52,15 +45,15 @@ private Q_SLOTS:
     void rules()
     {
         Model model;
-        for (const QString& step : field("steps").split(QLatin1Char(' '))) {
+        for (const QString& step : KvTest::field("steps").split(' ')) {
             try {
                 model.step(step);
             } catch (const KvException& e) {
-                const QString fields = e.GetExceptionWideText(FieldList, 1).section(QLatin1Char('@'), 1, 5);
-                model.seen << fields + QLatin1Char('@') + QString::number(e.GetErrorId());
+                const QString fields = e.GetExceptionWideText(FieldList, 1).section('@', 1, 5);
+                model.seen << fields + '@' + QString::number(e.GetErrorId());
             }
         }
-        QCOMPARE(model.seen.join(QLatin1Char(' ')), field("expected"));
+        QCOMPARE(model.seen.join(' '), KvTest::field("expected"));
     }
 };
 

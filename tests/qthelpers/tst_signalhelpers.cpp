@@ -4,7 +4,8 @@
 #include <QActionGroup>
 #include <QElapsedTimer>
 #include <QRegularExpression>
-#include <QTest>
+
+#include "kvtest.h"
 
 using namespace QObjectHelpers;
 
@@ -65,10 +66,10 @@ private Q_SLOTS:
         Q_EMIT in.boolSignal(true);
         Q_EMIT in.intSignal(-7);
         Q_EMIT in.doubleSignal(0.25);
-        Q_EMIT in.stringSignal(QStringLiteral("text"));
-        group.addAction(QStringLiteral("action"))->trigger();
+        Q_EMIT in.stringSignal(QString("text"));
+        group.addAction("action")->trigger();
         Q_EMIT in.longSignal(-5000000000L);
-        group.setObjectName(QStringLiteral("object"));
+        group.setObjectName("object");
         Q_EMIT in.objectSignal(&group);
         Q_EMIT in.indexSignal(QModelIndex(), QModelIndex());
         QTRY_COMPARE(QSet<QString>(log.begin(), log.end()),
@@ -87,12 +88,7 @@ private Q_SLOTS:
         QCOMPARE(calls, QStringList{"false"});
     }
 
-    void coalescing_data()
-    {
-        QTest::addColumn<bool>("lastOnly");
-        QTest::newRow("stream gets through every delay") << false;
-        QTest::newRow("stream is held back until it stops") << true;
-    }
+    void coalescing_data() { KvTest::addRows("qthelpers/coalescing.txt", "lastOnly"); }
 
     // A loaded machine stalls at random, so nothing is timed exactly. What must
     // hold: each forwarded value was the newest when it came, it had waited the
@@ -101,16 +97,14 @@ private Q_SLOTS:
     // gets through, and a flowing stream is not held back without that option.
     void coalescing()
     {
-        QFETCH(bool, lastOnly);
+        const bool lastOnly = KvTest::field("lastOnly") == "true";
         const int delay = 250;
         Peer in, out;
         QElapsedTimer clock;
         QVector<int> values;
         QVector<qint64> arrivals, emitted; // emitted[v - 1]: when value v went out
         const auto note = [&](int value) { values << value, arrivals << clock.elapsed(); };
-        SignalDelayer* delayer = wire<void(int)>(in, out, SIGNAL(intSignal(int)), note, delay);
-        QVERIFY(delayer);
-        delayer->setEmitLastSignalOnly(lastOnly);
+        wire<void(int)>(in, out, SIGNAL(intSignal(int)), note, delay)->setEmitLastSignalOnly(lastOnly);
         clock.start();
         while (clock.elapsed() < 4 * delay) {
             emitted << clock.elapsed();
@@ -137,7 +131,7 @@ private Q_SLOTS:
         const char* signal = SIGNAL(intSignal(int));
         const char* unknown = SIGNAL(noSuchSignal(int));
         for (int i = 0; i < 3; ++i)
-            QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^QObject::connect: No")));
+            QTest::ignoreMessage(QtWarningMsg, QRegularExpression("^QObject::connect: No"));
         QVERIFY(!SignalDelayer::connectDelayed<void(int)>(nullptr, signal, &peer, signal, 0));
         QVERIFY(!SignalDelayer::connectDelayed<void(int)>(&peer, nullptr, &peer, signal, 0));
         QVERIFY(!SignalDelayer::connectDelayed<void(int)>(&peer, signal, nullptr, signal, 0));
