@@ -35,6 +35,25 @@ class TestBand : public QObject
         return QString("%1 %2 %3").arg(next, 0, 'f', 0).arg(int(moreAbove)).arg(int(moreBelow));
     }
 
+    // The bands of tests/data/basetypes/channels.txt.
+    static BandGSM namedBand(const QString& name)
+    {
+        BandGSM band = GSM().GetBand(name.startsWith("GSM1800") ? GSM::GSM1800Up : GSM::GSM900Up);
+        if (name == "kilo")
+            band = BandGSM(name, 1000.0, 1e6, 0, 100, 0);
+        else if (name == "offset")
+            band = BandGSM(name, 1000.0, 1e6, 10, 100, 5);
+        else if (name == "gap of 9")
+            band = BandGSM(name, 1000.0, 1e6, 0, 10, 0), band.AddSubBand(1000.0, 1e6, 20, 30, 0);
+        else if (name == "plain")
+            band = Band();
+        else if (name.endsWith("in 100 kHz steps"))
+            band.SetStepWidth(100000.0);
+        else if (name.endsWith("up to 5000"))
+            band.SetStopChannel(5000);
+        return band;
+    }
+
 private Q_SLOTS:
     void initTestCase() { KvTest::pinLocaleAndZone(); }
 
@@ -110,50 +129,25 @@ private Q_SLOTS:
         QCOMPARE(undefined.GetStepWidth(), 10000.0);
     }
 
+    void channelArithmetic_data() { KvTest::addRows("basetypes/channels.txt", "band call arguments result"); }
+
     void channelArithmetic()
     {
-        const BandGSM egsm = GSM().GetBand(GSM::GSM900Up);
-        const BandGSM dcs = GSM().GetBand(GSM::GSM1800Up);
-        // Channel n at 1 MHz + n kHz.
-        const BandGSM kilo(QString("kilo"), 1000.0, 1e6, 0, 100, 0);
-        BandGSM finer = egsm;
-        finer.SetStepWidth(100000.0);
-        QCOMPARE(dcs.GetChannelForFrequency(1710300000.0), 513ul);     // one part rounds half up
-        QCOMPARE(egsm.GetChannelForFrequency(890399999.0), 1ul);       // several parts truncate
-        QCOMPARE(egsm.GetChannelForFrequency(889.9e6), 0ul);           // ... and give 0 in a gap
-        QCOMPARE(finer.GetChannelForFrequency(880.2e6), 0ul);          // lower edge: the band's step width
-        QCOMPARE(finer.GetChannelForFrequency(889.85e6), 0ul);         // upper edge: the sub-band's own
-        QCOMPARE(kilo.GetChannelForFrequency(999500.0), 0ul);          // -0.5 channels rounds up to 0
-        QCOMPARE(kilo.GetChannelForFrequency(998400.0), 4294967294ul); // -1.6 rounds to -2, 32-bit wrapped
-        QCOMPARE(kilo.GetChannelForFrequency(qQNaN()), 0ul);
-
-        BandGSM even(QString("gap of 9"), 1000.0, 1e6, 0, 10, 0);
-        even.AddSubBand(1000.0, 1e6, 20, 30, 0);
-        BandGSM overreaching = egsm;
-        overreaching.SetStopChannel(5000);
-        QCOMPARE(dcs.GetNextValidChannel(5, false, true), 512ul);           // below the band: its start
-        QCOMPARE(dcs.GetNextValidChannel(2000, true, false), 885ul);        // above the band: its stop
-        QCOMPARE(egsm.GetNextValidChannel(500, true, false), 955ul);        // up jumps the E-GSM gap
-        QCOMPARE(egsm.GetNextValidChannel(500, false, true), 124ul);        // down jumps it
-        QCOMPARE(egsm.GetNextValidChannel(500, false, false), 124ul);       // neither: the nearest edge
-        QCOMPARE(even.GetNextValidChannel(15, false, false), 20ul);         // a tie goes up
-        QCOMPARE(overreaching.GetNextValidChannel(2000, true, false), 0ul); // up past the top wraps
-
-        QVERIFY2(egsm.HasChannelsWithinFreqRange(880e6, 881e6), "E-GSM channels do not count");
-        QVERIFY2(!egsm.HasChannelsWithinFreqRange(889.9e6, 889.95e6), "the E-GSM gap has channels");
-        QVERIFY2(egsm.HasChannelsWithinFreqRange(920e6, 914.8e6), "touching in reverse order does not count");
-        QVERIFY2(!dcs.HasChannelsWithinFreqRange(qQNaN(), qQNaN()), "NaN lies in a band");
-        QVERIFY2(Band().HasChannelsWithinFreqRange(-1.0, -2.0), "a plain band lacks a range");
-
-        const auto range = [](const BandGSM& band, double low, double high) {
-            int first = 0, last = 0;
-            band.GetChannelRangeWithinFreqRange(first, last, low, high);
-            return qMakePair(first, last);
-        };
-        QCOMPARE(range(dcs, 1720e6, 1730e6), qMakePair(561, 611)); // 1720.0 and 1730.0 MHz
-        // Counted from the start channel, not from the factor: 1.010 MHz is channel 15.
-        QCOMPARE(range(BandGSM(QString("offset"), 1000.0, 1e6, 10, 100, 5), 1.010e6, 2e6),
-                 qMakePair(20, 100));
+        const BandGSM band = namedBand(field("band"));
+        const QStringList args = field("arguments").split(' ');
+        const double a = args.value(0).toDouble(), b = args.value(1).toDouble();
+        int first = 0, last = 0;
+        QString result;
+        if (field("call") == "channel")
+            result = QString::number(band.GetChannelForFrequency(a));
+        else if (field("call") == "has")
+            result = band.HasChannelsWithinFreqRange(a, b) ? "yes" : "no";
+        else if (field("call") == "range" && band.GetChannelRangeWithinFreqRange(first, last, a, b))
+            result = QString("%1 %2").arg(first).arg(last);
+        else
+            result = QString::number(band.GetNextValidChannel(args.value(0).toULong(), field("call") == "up",
+                                                              field("call") == "down"));
+        QCOMPARE(result, field("result"));
     }
 
     void envelopeAndEquality()

@@ -91,20 +91,14 @@ private Q_SLOTS:
         QCOMPARE(TimeStamp2QString(formatter).toString(us), QString("2101-08-26 13:04:45.551.615"));
     }
 
-    void textFollowsTheZone_data()
-    {
-        QTest::addColumn<QByteArray>("zone");
-        QTest::newRow("UTC") << QByteArray("UTC");
-        QTest::newRow("Berlin, with daylight saving time") << QByteArray("Europe/Berlin");
-        QTest::newRow("New York, with daylight saving time") << QByteArray("America/New_York");
-    }
+    void textFollowsTheZone_data() { KvTest::addRows("basetypes/zones.txt", "zone hour"); }
 
     // Steps of 0.37 s mostly stay within a second, monthly jumps cross dates
     // and daylight saving changes; the cached date must follow.
     void textFollowsTheZone()
     {
-        QFETCH(QByteArray, zone);
-        KvTest::pinLocaleAndZone(zone.constData());
+        KvTest::pinLocaleAndZone(qPrintable(KvTest::field("zone")));
+        QCOMPARE(QDateTime::fromSecsSinceEpoch(1720000000).toString("hh"), KvTest::field("hour"));
         TimeStamp2QString formatter;
         unsigned long long us = 946684799000000ULL; // 1999-12-31 23:59:59 UTC
         for (int i = 0; i < 2000; ++i) {
@@ -114,10 +108,6 @@ private Q_SLOTS:
             QCOMPARE(formatter.toString(us), expected);
             us += (i % 7 == 0) ? 86400000000ULL * 31 : 370001ULL;
         }
-        QCOMPARE(QDateTime::fromSecsSinceEpoch(1720000000).toString(QString("hh")),
-                 QString(zone == "UTC"             ? "09"
-                         : zone == "Europe/Berlin" ? "11"
-                                                   : "05"));
     }
 };
 
