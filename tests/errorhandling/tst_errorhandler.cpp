@@ -90,7 +90,11 @@ class TestErrorHandler : public QObject
 
 private Q_SLOTS:
     // Logger.txt goes to a directory of this run's own.
-    void initTestCase() { qputenv("TMPDIR", QFile::encodeName(m_tmp.path())); }
+    void initTestCase()
+    {
+        KvTest::pinLocaleAndZone();
+        qputenv("TMPDIR", QFile::encodeName(m_tmp.path()));
+    }
 
     void init()
     {

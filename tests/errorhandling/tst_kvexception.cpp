@@ -29,6 +29,8 @@ class TestKvException : public QObject
     }
 
 private Q_SLOTS:
+    void initTestCase() { KvTest::pinLocaleAndZone(); }
+
     void texts_data() { KvTest::addRows("errorhandling/texts.txt", "exception format level text"); }
 
     void texts()

@@ -9,6 +9,10 @@
 
 using namespace QObjectHelpers;
 
+// The actions need a GUI application; without a display it runs offscreen, as under CTest.
+static const bool s_bPlatformSet =
+    qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qputenv("QT_QPA_PLATFORM", "offscreen");
+
 class Peer : public QObject
 {
     Q_OBJECT
