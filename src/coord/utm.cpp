@@ -109,6 +109,13 @@ ArrayResult LLtoUTM(int ellipsoid, std::size_t count, const double* lat, const d
     ArrayFailures failures;
     if (!arraysGiven(count, {lat, lon, northing, easting, zone, band}))
         return failures.all(count, QStringLiteral("an array pointer is null"));
+    if (!legacyUtmSeries(ellipsoid)) {
+        std::fill(northing, northing + count, kArrayFailure);
+        std::fill(easting, easting + count, kArrayFailure);
+        std::fill(zone, zone + count, 0);
+        std::fill(band, band + count, '\0');
+        return failures.all(count, ellipsoidProblem(ellipsoid));
+    }
     for (std::size_t i = 0; i < count; ++i) {
         const LegacyUtmResult r = legacyUtm(ellipsoid, lat[i], lon[i]);
         if (r.point) {
@@ -124,8 +131,7 @@ ArrayResult LLtoUTM(int ellipsoid, std::size_t count, const double* lat, const d
         band[i] = 0;
         if (failures.fail(i))
             failures.because(
-                QLatin1String(r.failure) == QLatin1String("#INVALID ELLIPSOID") ? ellipsoidProblem(ellipsoid)
-                : QLatin1String(r.failure) == QLatin1String("#INVALID LATITUDE")
+                QLatin1String(r.failure) == QLatin1String("#INVALID LATITUDE")
                     ? QStringLiteral("latitude %1 is outside -90 to 90").arg(arrayValueText(lat[i]))
                     : QStringLiteral("longitude %1 is not a finite number").arg(arrayValueText(lon[i])));
     }
