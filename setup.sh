@@ -15,7 +15,7 @@ cmake_args=()
 case "$mode" in
     run | test) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;

@@ -114,10 +114,22 @@ namespace {
 
 std::optional<int> letterIndex(QChar c)
 {
-    for (int i = 0; i < kLetterCount; ++i)
-        if (c == QLatin1Char(kLetters[i]))
-            return i;
-    return std::nullopt;
+    // Index of each of the 24 letters by character, -1 for I, O and everything else.
+    static constexpr struct Table
+    {
+        signed char index[128] = {};
+        constexpr Table()
+        {
+            for (signed char& i : index)
+                i = -1;
+            for (int i = 0; i < kLetterCount; ++i)
+                index[int(kLetters[i])] = static_cast<signed char>(i);
+        }
+    } table{};
+    const ushort u = c.unicode();
+    if (u >= 128 || table.index[u] < 0)
+        return std::nullopt;
+    return table.index[u];
 }
 
 } // namespace
@@ -306,14 +318,28 @@ std::optional<GridPoint> tmForward(const TmParameters& p, const GeoPoint& positi
     return GridPoint{easting, northing};
 }
 
+namespace {
+
+// The series in e^2 that takes a conformal latitude phi* to the geographic one:
+// phi = phi* + sin phi* cos phi* (A + B sin^2 + C sin^4 + D sin^6), good to e^10.
+struct ConformalInverse
+{
+    double A, B, C, D;
+};
+
+ConformalInverse conformalInverse(double e2)
+{
+    const double e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
+    return {e2 + e4 + e6 + e8, -(7.0 * e4 + 17.0 * e6 + 30.0 * e8) / 6.0, (224.0 * e6 + 889.0 * e8) / 120.0,
+            -4279.0 * e8 / 1260.0};
+}
+
+} // namespace
+
 std::optional<GeoPoint> tmInverse(const TmParameters& p, const GridPoint& grid)
 {
     const KruegerSeries s = kruegerSeries(p.ellipsoid);
-    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
-    const double A = e2 + e4 + e6 + e8;
-    const double B = -(7.0 * e4 + 17.0 * e6 + 30.0 * e8) / 6.0;
-    const double C = (224.0 * e6 + 889.0 * e8) / 120.0;
-    const double D = -4279.0 * e8 / 1260.0;
+    const auto [A, B, C, D] = conformalInverse(s.e2);
 
     const double xi = (grid.northing - p.falseNorthing) / (p.scale * s.aRoof);
     const double eta = (grid.easting - p.falseEasting) / (p.scale * s.aRoof);
@@ -776,35 +802,78 @@ std::optional<TmParameters> swedishParameterSet(const QString& name)
 
 namespace {
 
-// e atanh(e x): what separates the conformal from the geographic latitude.
+// sqrt(x^2 + y^2) without std::hypot's guard against overflow, which costs as much as
+// the rest of a projection; the arguments here stay far below 1e150.
+double norm(double x, double y)
+{
+    return std::sqrt(x * x + y * y);
+}
+
+// e atanh(e x) for |x| <= 1: what separates the conformal from the geographic latitude.
+// With e x below 0.1 (e is about 0.082 for every ellipsoid here) the series of atanh in
+// (e x)^2 reaches the last bit by its ninth term, at a fraction of log1p's cost.
 double eAtanhE(double x, double e)
 {
-    return e * std::atanh(e * x);
+    static constexpr double kInverseOdd[] = {1.0,        1.0 / 3.0,  1.0 / 5.0,  1.0 / 7.0, 1.0 / 9.0,
+                                             1.0 / 11.0, 1.0 / 13.0, 1.0 / 15.0, 1.0 / 17.0};
+    const double y = e * x, y2 = y * y;
+    if (y2 > 0.01)
+        return e * std::atanh(y);
+    double sum = kInverseOdd[8];
+    for (int k = 7; k >= 0; --k)
+        sum = sum * y2 + kInverseOdd[k];
+    return e * y * sum;
+}
+
+// sinh of the small argument eAtanhE gives (below 0.007): its series to u^7 is exact.
+double sinhSmall(double u)
+{
+    if (std::fabs(u) > 0.01)
+        return std::sinh(u);
+    const double u2 = u * u;
+    return u * (1.0 + u2 / 6.0 * (1.0 + u2 / 20.0 * (1.0 + u2 / 42.0)));
 }
 
 // Tangent of the conformal latitude of a latitude whose tangent is tau, and its inverse
 // (Karney 2011, eqs. 7 to 9 and 19 to 21).
 double conformalTan(double tau, double e)
 {
-    const double tau1 = std::hypot(1.0, tau);
-    const double sig = std::sinh(eAtanhE(tau / tau1, e));
-    return std::hypot(1.0, sig) * tau - sig * tau1;
+    const double tau1 = norm(1.0, tau);
+    const double sig = sinhSmall(eAtanhE(tau / tau1, e));
+    // sqrt(1 + sig^2) with the small part kept apart: the sum rounds once, as hypot would.
+    const double sig2 = sig * sig;
+    return (1.0 + sig2 / (1.0 + std::sqrt(1.0 + sig2))) * tau - sig * tau1;
+}
+
+// The same with plain square roots: a last bit less certain, at half the cost, for the
+// Newton steps of the inverse, whose result does not depend on such a bit.
+double conformalTanQuick(double tau, double e)
+{
+    const double tau1 = norm(1.0, tau);
+    const double sig = sinhSmall(eAtanhE(tau / tau1, e));
+    return std::sqrt(1.0 + sig * sig) * tau - sig * tau1;
 }
 
 double geographicTan(double tauPrime, double e)
 {
-    // Newton's method from a start good to 1e-3: three steps reach the last bit.
+    // Newton's method from the series in e^2 of the Swedish grids, which is good to 1e-11:
+    // one step reaches the last bit (and shows that it has).
     static const double tol = std::sqrt(std::numeric_limits<double>::epsilon()) / 10.0;
     static const double tauMax = 2.0 / std::sqrt(std::numeric_limits<double>::epsilon());
     const double e2m = 1.0 - e * e;
-    double tau = std::fabs(tauPrime) > 70.0 ? tauPrime * std::exp(eAtanhE(1.0, e)) : tauPrime / e2m;
     const double stol = tol * std::max(1.0, std::fabs(tauPrime));
-    if (!(std::fabs(tau) < tauMax))
-        return tau;
+    if (!(std::fabs(tauPrime) < tauMax))
+        return tauPrime / e2m;
+    // tan(phi* + delta) with delta = sin cos (A + B sin^2 + ...) of the conformal phi*.
+    const auto [A, B, C, D] = conformalInverse(e * e);
+    const double sec2 = 1.0 + tauPrime * tauPrime, sin2 = tauPrime * tauPrime / sec2;
+    const double delta = tauPrime / sec2 * (A + sin2 * (B + sin2 * (C + sin2 * D)));
+    const double t = delta * (1.0 + delta * delta / 3.0);
+    double tau = (tauPrime + t) / (1.0 - tauPrime * t);
     for (int i = 0; i < 5; ++i) {
-        const double tauPrimeI = conformalTan(tau, e);
-        const double dtau = (tauPrime - tauPrimeI) * (1.0 + e2m * tau * tau) /
-                            (e2m * std::hypot(1.0, tau) * std::hypot(1.0, tauPrimeI));
+        const double tauPrimeI = conformalTanQuick(tau, e);
+        const double dtau =
+            (tauPrime - tauPrimeI) * (1.0 + e2m * tau * tau) / (e2m * norm(1.0, tau) * norm(1.0, tauPrimeI));
         tau += dtau;
         if (!(std::fabs(dtau) >= stol))
             break;
@@ -812,12 +881,36 @@ double geographicTan(double tauPrime, double e)
     return tau;
 }
 
+// Geographic latitude in degrees of a conformal latitude given by its tangent, from the
+// series of TmSeries::chiToPhi: one atan and no iteration.
+double geographicLatitude(const double chiToPhi[8], double tauPrime)
+{
+    const double chi = std::atan(tauPrime);
+    const double sec2 = 1.0 + tauPrime * tauPrime;
+    const double s2 = 2.0 * tauPrime / sec2, c2 = (1.0 - tauPrime) * (1.0 + tauPrime) / sec2;
+    double b1 = 0.0, b2 = 0.0;
+    for (int k = 7; k >= 1; --k) {
+        const double b = chiToPhi[k] + 2.0 * c2 * b1 - b2;
+        b2 = b1;
+        b1 = b;
+    }
+    return (chi + b1 * s2) * kRadToDeg;
+}
+
 // Sine and cosine of degrees, reduced exactly to a quadrant first so that multiples of
 // 90 degrees give exact zeros.
 void sinCosDeg(double deg, double& s, double& c)
 {
     int q = 0;
-    const double r = std::remquo(deg, 90.0, &q) * kDegToRad;
+    double r = deg;
+    // What remquo gives for the usual range, without its cost: deg - 90 is exact there.
+    if (std::fabs(deg) <= 45.0)
+        q = 0;
+    else if (std::fabs(deg) < 135.0)
+        q = deg > 0 ? 1 : -1, r = deg - 90.0 * q;
+    else
+        r = std::remquo(deg, 90.0, &q);
+    r *= kDegToRad;
     const double sr = std::sin(r), cr = std::cos(r);
     switch (unsigned(q) & 3u) {
     case 0:
@@ -865,11 +958,9 @@ double atan2Deg(double y, double x)
 }
 
 // Sum over k = 1..6 of c[k] sin(2k zeta) for zeta = xi + i eta, by Clenshaw's recurrence
-// on 2 cos(2 zeta).
-void clenshaw6(const double c[7], double xi, double eta, double& re, double& im)
+// on 2 cos(2 zeta), from sin 2xi, cos 2xi, sinh 2eta and cosh 2eta.
+void clenshaw6(const double c[7], double s2, double c2, double sh2, double ch2, double& re, double& im)
 {
-    const double s2 = std::sin(2.0 * xi), c2 = std::cos(2.0 * xi);
-    const double sh2 = std::sinh(2.0 * eta), ch2 = std::cosh(2.0 * eta);
     const double ar = 2.0 * c2 * ch2, ai = -2.0 * s2 * sh2;
     double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
     for (int k = 6; k >= 1; --k) {
@@ -883,6 +974,16 @@ void clenshaw6(const double c[7], double xi, double eta, double& re, double& im)
     const double sr = s2 * ch2, si = c2 * sh2;
     re = b1r * sr - b1i * si;
     im = b1r * si + b1i * sr;
+}
+
+// The same for a zeta given by its parts.
+void clenshaw6(const double c[7], double xi, double eta, double& re, double& im)
+{
+    // sinh and cosh from one expm1, which keeps sinh's relative accuracy near zero.
+    const double em1 = std::expm1(2.0 * std::fabs(eta));
+    const double sh2 = std::copysign(0.5 * (em1 + em1 / (em1 + 1.0)), eta);
+    const double ch2 = 1.0 + 0.5 * em1 * em1 / (em1 + 1.0);
+    clenshaw6(c, std::sin(2.0 * xi), std::cos(2.0 * xi), sh2, ch2, re, im);
 }
 
 // Coefficients of n^1 to n^6 (Karney 2011, eqs. 35 and 36).
@@ -919,6 +1020,22 @@ TmSeries::TmSeries(const Ellipsoid& ell) : ellipsoid(ell), e(std::sqrt(ell.e2())
         beta[k + 1] = sb * n;
     }
     upsC = (1.0 - ell.f) * std::exp(eAtanhE(1.0, e));
+    // phi - chi is odd and of period pi in chi; sampled at theta = 2 chi = 2 pi j / M its
+    // sine coefficients come out exactly (aliasing enters at about n^(M - 7)).
+    constexpr int M = 32;
+    double samples[M];
+    for (int j = 0; j < M; ++j) {
+        const double chi = kPi * j / M;
+        const double t = std::tan(chi);
+        samples[j] = 2 * j == M ? 0.0 : std::atan(geographicTan(t, e)) - std::atan(t);
+    }
+    chiToPhi[0] = 0.0;
+    for (int k = 1; k < 8; ++k) {
+        double sum = 0.0;
+        for (int j = 0; j < M; ++j)
+            sum += samples[j] * std::sin(2.0 * kPi * k * j / M);
+        chiToPhi[k] = 2.0 * sum / M;
+    }
 }
 
 const TmSeries& wgs84TmSeries()
@@ -949,14 +1066,19 @@ GridPoint preciseTmForward(const PreciseTm& p, const GeoPoint& position)
     double sphi, cphi, slam, clam;
     sinCosDeg(lat, sphi, cphi);
     sinCosDeg(lam, slam, clam);
-    double xip = kPi / 2.0, etap = 0.0;
+    // xi' = atan2(tau', cos lam), eta' = asinh(sin lam / r) with r^2 = tau'^2 + cos^2 lam;
+    // the sines and cosines of 2 xi' and 2 eta' follow from the same numbers.
+    double xip = kPi / 2.0, etap = 0.0, re, im;
     if (lat != 90.0) {
         const double taup = conformalTan(sphi / cphi, s.e);
+        const double r2 = taup * taup + clam * clam, tau1 = norm(1.0, taup);
         xip = std::atan2(taup, clam);
-        etap = std::asinh(slam / std::hypot(taup, clam));
+        etap = std::asinh(slam / std::sqrt(r2));
+        clenshaw6(s.alpha, 2.0 * taup * clam / r2, (clam - taup) * (clam + taup) / r2, 2.0 * slam * tau1 / r2,
+                  (tau1 * tau1 + slam * slam) / r2, re, im);
+    } else {
+        clenshaw6(s.alpha, 0.0, -1.0, 0.0, 1.0, re, im);
     }
-    double re, im;
-    clenshaw6(s.alpha, xip, etap, re, im);
     const double k = s.rectA * p.scale;
     return {p.falseEasting + k * (etap + im) * lamSign,
             p.falseNorthing + (k * (xip + re) * latSign - p.scale * p.originNorthing)};
@@ -975,11 +1097,11 @@ GeoPoint preciseTmInverse(const PreciseTm& p, const GridPoint& grid)
     clenshaw6(s.beta, xi, eta, re, im);
     const double xip = xi - re, etap = eta - im;
     const double sh = std::sinh(etap), c = std::max(0.0, std::cos(xip));
-    const double r = std::hypot(sh, c);
+    const double r = norm(sh, c);
     double phi = 90.0, lam = 0.0;
     if (r != 0.0) {
         lam = atan2Deg(sh, c);
-        phi = atan2Deg(geographicTan(std::sin(xip) / r, s.e), 1.0);
+        phi = geographicLatitude(s.chiToPhi, std::sin(xip) / r);
     }
     return {phi * xiSign, p.centralMeridian + lam * etaSign};
 }
@@ -994,7 +1116,7 @@ GridPoint upsForward(bool north, const GeoPoint& position)
         sinCosDeg(lat, sphi, cphi);
         const double taup = conformalTan(sphi / cphi, s.e);
         // sec - tan of the conformal latitude, written so that it does not cancel.
-        const double t = taup >= 0 ? 1.0 / (std::hypot(1.0, taup) + taup) : std::hypot(1.0, taup) - taup;
+        const double t = taup >= 0 ? 1.0 / (norm(1.0, taup) + taup) : norm(1.0, taup) - taup;
         rho = t * (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
     }
     double slam, clam;
@@ -1006,11 +1128,11 @@ GeoPoint upsInverse(bool north, const GridPoint& grid)
 {
     const TmSeries& s = wgs84TmSeries();
     const double x = grid.easting - kUpsFalseOrigin, y = grid.northing - kUpsFalseOrigin;
-    const double rho = std::hypot(x, y);
+    const double rho = norm(x, y);
     double phi = 90.0;
     if (rho != 0.0) {
         const double t = rho / (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
-        phi = atan2Deg(geographicTan((1.0 / t - t) / 2.0, s.e), 1.0);
+        phi = geographicLatitude(s.chiToPhi, (1.0 / t - t) / 2.0);
     }
     return {north ? phi : -phi, atan2Deg(x, north ? -y : y)};
 }

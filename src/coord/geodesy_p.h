@@ -299,6 +299,9 @@ struct TmSeries
     double alpha[7]; ///< forward coefficients alpha[1..6]
     double beta[7];  ///< inverse coefficients beta[1..6]
     double upsC;     ///< (1 - f) exp(e atanh e), of the polar stereographic projection
+    /// Geographic minus conformal latitude as a series in sin(2k chi), k = 1..7: the sine
+    /// transform of Newton's exact inverse at 32 points, so good to the last bit.
+    double chiToPhi[8];
 };
 
 /// The series of WGS 84, built on first use.

@@ -73,10 +73,13 @@ public:
     {
         char digits[24];
         int n = 0;
-        do {
+        for (; value > 0xFFFFFFFF; value /= 10)
             digits[n++] = char('0' + value % 10);
-            value /= 10;
-        } while (value > 0);
+        auto small = std::uint32_t(value); // 32-bit division is several times faster
+        do {
+            digits[n++] = char('0' + small % 10);
+            small /= 10;
+        } while (small > 0);
         while (n < width)
             digits[n++] = '0';
         while (n > 0)
@@ -161,9 +164,15 @@ void putDms(TextBuffer& out, double value, int decimals, char positive, char neg
 
 void putTruncatedDigits(TextBuffer& out, double metres, int digits)
 {
-    // Whole metres within the 100 km square, then cut to the digits asked for.
-    const auto within = std::int64_t(std::floor(metres)) % 100000;
-    out.putInteger(within / std::int64_t(kPowersOfTen[5 - digits]), digits);
+    // Whole metres within the 100 km square (below 2^53, so the remainder is exact), all
+    // five digits, of which the first ones are the truncated reference.
+    const double whole = std::floor(metres);
+    auto within = std::uint32_t(whole - std::floor(whole / 100000.0) * 100000.0);
+    char five[5];
+    for (int i = 4; i >= 0; --i, within /= 10)
+        five[i] = char('0' + within % 10);
+    for (int i = 0; i < digits; ++i)
+        out.put(five[i]);
 }
 
 QString formatUtm(double lat, double lon, int precision)

@@ -41,10 +41,15 @@ struct Token
     double value;   // number
 };
 
+struct Compact;
+
 struct Tokens
 {
     Token t[kMaxTokens];
     int n = 0;
+    // The letters-and-digits view, built on first use (see compactOf).
+    mutable Compact* compact = nullptr;
+    mutable bool compactTried = false;
 };
 
 // What a reader reports: nothing to say (the text has another shape), a position, or a
@@ -237,17 +242,18 @@ struct Compact
     int pos[kMaxLength];
     bool breakBefore[kMaxLength];
     int n = 0;
+    bool dashes = false;
 };
 
-// Letters (upper-cased) and digits of the text with a mark where blanks or (allowDash)
-// dashes stood; false when anything else (points, marks, signs) occurs.
-bool makeCompact(const QString& text, const Tokens& tokens, bool allowDash, Compact& out)
+// Letters (upper-cased) and digits of the text with a mark where blanks or dashes
+// stood; false when anything else (points, marks, signs) occurs.
+bool makeCompact(const QString& text, const Tokens& tokens, Compact& out)
 {
     bool pendingBreak = false;
     for (int k = 0; k < tokens.n; ++k) {
         const Token& t = tokens.t[k];
-        if (t.kind == Kind::Sign && t.symbol == '-' && allowDash && out.n > 0) {
-            pendingBreak = true;
+        if (t.kind == Kind::Sign && t.symbol == '-' && out.n > 0) {
+            pendingBreak = out.dashes = true;
             continue;
         }
         if (!(t.kind == Kind::Word || isPlainInteger(t)))
@@ -261,6 +267,18 @@ bool makeCompact(const QString& text, const Tokens& tokens, bool allowDash, Comp
         pendingBreak = false;
     }
     return out.n > 0 && !pendingBreak;
+}
+
+// The compact view of the tokens, built once for all the readers that want it (the
+// caller provides its storage); nullptr when the text has no such view or, unless
+// allowDash, has dashes.
+const Compact* compactOf(const QString& text, const Tokens& tokens, bool allowDash, Compact& storage)
+{
+    if (!tokens.compactTried) {
+        tokens.compactTried = true;
+        tokens.compact = makeCompact(text, tokens, storage) ? &storage : nullptr;
+    }
+    return tokens.compact && (allowDash || !tokens.compact->dashes) ? tokens.compact : nullptr;
 }
 
 bool isDigit(char c)
@@ -317,8 +335,8 @@ bool referenceDigits(const Compact& c, int from, int maxPerAxis, int& digits, do
 // Metres of `digits` digits of a 100 km square, at the centre of the cell they name.
 double squareOffset(double value, int digits)
 {
-    const double unit = std::pow(10.0, 5 - digits);
-    return value * unit + unit / 2.0;
+    static const double units[] = {100000.0, 10000.0, 1000.0, 100.0, 10.0, 1.0};
+    return value * units[digits] + units[digits] / 2.0;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -530,13 +548,14 @@ BandSpan bandSpan(int zone, char band)
     return table.span[wide ? 1 : 0][*Geodesy::bandIndex(QLatin1Char(band))];
 }
 
-Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
+Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given, Compact& compactStorage)
 {
     static const QString expected =
         QStringLiteral("MGRS: expected a grid zone, two square letters and digits, as in 34VCL3323080391");
-    Compact c;
-    if (!makeCompact(text, tokens, true, c))
+    const Compact* view = compactOf(text, tokens, true, compactStorage);
+    if (!view)
         return given ? failure(expected) : Outcome();
+    const Compact& c = *view;
     int i = 0;
     int zone = 0;
     while (i < c.n && isDigit(c.c[i])) {
@@ -632,16 +651,18 @@ Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
 // ---------------------------------------------------------------------------------------
 // British and Irish grid references.
 
-Outcome parseNational(const QString& text, const Tokens& tokens, NationalGrid grid, bool given)
+Outcome parseNational(const QString& text, const Tokens& tokens, NationalGrid grid, bool given,
+                      Compact& compactStorage)
 {
     const bool british = grid == NationalGrid::British;
     const QString gridName = british ? QStringLiteral("British grid") : QStringLiteral("Irish grid");
     const QString expected =
         british ? QStringLiteral("British grid: expected two letters and digits, as in TQ 30028 80380")
                 : QStringLiteral("Irish grid: expected a letter and digits, as in O 15900 34671");
-    Compact c;
-    if (!makeCompact(text, tokens, false, c))
+    const Compact* view = compactOf(text, tokens, false, compactStorage);
+    if (!view)
         return given ? failure(expected) : Outcome();
+    const Compact& c = *view;
     const int letters = british ? 2 : 1;
     if (c.n < letters + 1 || !isLetter(c.c[0]) || (british && !isLetter(c.c[1])) || !isDigit(c.c[letters]))
         return given ? failure(expected) : Outcome();
@@ -682,13 +703,14 @@ Outcome parseNational(const QString& text, const Tokens& tokens, NationalGrid gr
 // ---------------------------------------------------------------------------------------
 // Maidenhead locators.
 
-Outcome parseMaidenhead(const QString& text, const Tokens& tokens, bool given)
+Outcome parseMaidenhead(const QString& text, const Tokens& tokens, bool given, Compact& compactStorage)
 {
     static const QString expected =
         QStringLiteral("Maidenhead: expected pairs of letters and digits, as in JO99AH");
-    Compact c;
-    if (!makeCompact(text, tokens, false, c) || c.n % 2 != 0 || c.n > 10)
+    const Compact* view = compactOf(text, tokens, false, compactStorage);
+    if (!view || view->n % 2 != 0 || view->n > 10)
         return given ? failure(expected) : Outcome();
+    const Compact& c = *view;
     for (int i = 0; i < c.n; ++i) {
         const bool digitPair = (i / 2) % 2 == 1;
         if ((digitPair ? !isDigit(c.c[i]) : !isLetter(c.c[i])) || (i > 0 && c.breakBefore[i]))
@@ -994,7 +1016,7 @@ Outcome parseGeographic(const QString& text, const Tokens& tokens, bool given)
 // ---------------------------------------------------------------------------------------
 // Dispatch.
 
-Outcome parseAs(const QString& text, const Tokens& tokens, Notation notation, bool given)
+Outcome parseAs(const QString& text, const Tokens& tokens, Notation notation, bool given, Compact& compact)
 {
     switch (notation) {
     case Notation::Decimal:
@@ -1003,17 +1025,17 @@ Outcome parseAs(const QString& text, const Tokens& tokens, Notation notation, bo
     case Notation::UTM:
         return parseUtm(text, tokens, given);
     case Notation::MGRS:
-        return parseMgrs(text, tokens, given);
+        return parseMgrs(text, tokens, given, compact);
     case Notation::RT90:
         return parseSwedish(text, tokens, true, given);
     case Notation::SWEREF99TM:
         return parseSwedish(text, tokens, false, given);
     case Notation::Maidenhead:
-        return parseMaidenhead(text, tokens, given);
+        return parseMaidenhead(text, tokens, given, compact);
     case Notation::BritishGrid:
-        return parseNational(text, tokens, NationalGrid::British, given);
+        return parseNational(text, tokens, NationalGrid::British, given, compact);
     case Notation::IrishGrid:
-        return parseNational(text, tokens, NationalGrid::Irish, given);
+        return parseNational(text, tokens, NationalGrid::Irish, given, compact);
     }
     return Outcome();
 }
@@ -1074,25 +1096,32 @@ std::optional<Position> parse(const QString& text, QString* error)
     static const Notation order[] = {Notation::UTM,         Notation::MGRS,       Notation::Decimal,
                                      Notation::RT90,        Notation::SWEREF99TM, Notation::Maidenhead,
                                      Notation::BritishGrid, Notation::IrishGrid};
+    Compact compact;
     Outcome found;
+    Notation readAs[kNotationCount];
     int successes = 0, failures = 0;
-    QString names, problems;
+    QString problems;
     for (const Notation n : order) {
-        Outcome o = parseAs(text, tokens, n, false);
+        Outcome o = parseAs(text, tokens, n, false, compact);
         if (o.state == Outcome::NoShape)
             continue;
         if (o.state == Outcome::Ok) {
-            names += (successes ? QStringLiteral(" or ") : QString()) + name(o.notation);
+            readAs[successes] = o.notation;
             if (successes++ == 0)
                 found = o;
             continue;
         }
         problems += (failures++ ? QStringLiteral("; ") : QString()) + o.error;
     }
-    if (successes > 1)
-        found = failure(QStringLiteral("ambiguous: the text reads as %1; give the notation").arg(names));
-    else if (successes == 0)
+    if (successes > 1) {
+        QStringList names;
+        for (int i = 0; i < successes; ++i)
+            names << name(readAs[i]);
+        found = failure(QStringLiteral("ambiguous: the text reads as %1; give the notation")
+                            .arg(names.join(QLatin1String(" or "))));
+    } else if (successes == 0) {
         found = failures ? failure(problems) : unreadable(text, tokens);
+    }
     return finish(found, error);
 }
 
@@ -1107,7 +1136,8 @@ std::optional<Position> parse(const QString& text, Notation notation, QString* e
     Tokens tokens;
     if (!prepare(text, tokens, error))
         return std::nullopt;
-    Outcome o = parseAs(text, tokens, notation, true);
+    Compact compact;
+    Outcome o = parseAs(text, tokens, notation, true, compact);
     if (o.state == Outcome::Ok && notation == Notation::Decimal && o.notation == Notation::DMS)
         o = failure(QStringLiteral("Decimal: the text has minutes, seconds or their marks; read it as DMS"));
     if (o.state == Outcome::Ok)
