@@ -836,13 +836,16 @@ double sinhSmall(double u)
 
 // Tangent of the conformal latitude of a latitude whose tangent is tau, and its inverse
 // (Karney 2011, eqs. 7 to 9 and 19 to 21).
-double conformalTan(double tau, double e)
+double conformalTan(double sphi, double cphi, double e)
 {
-    const double tau1 = norm(1.0, tau);
-    const double sig = sinhSmall(eAtanhE(tau / tau1, e));
-    // sqrt(1 + sig^2) with the small part kept apart: the sum rounds once, as hypot would.
-    const double sig2 = sig * sig;
-    return (1.0 + sig2 / (1.0 + std::sqrt(1.0 + sig2))) * tau - sig * tau1;
+    // tau / hypot(1, tau) is sin phi and hypot(1, tau) is 1 / cos phi: no square root is
+    // needed, and sqrt(1 + sig^2) for |sig| < 0.007 is its series to sig^6, which rounds
+    // once as hypot would.
+    const double tau = sphi / cphi, tau1 = 1.0 / cphi;
+    const double sig = sinhSmall(eAtanhE(sphi, e)), x = sig * sig;
+    const double hyp =
+        std::fabs(sig) < 0.01 ? 1.0 + x * (0.5 - x * (0.125 - x / 16.0)) : std::hypot(1.0, sig);
+    return hyp * tau - sig * tau1;
 }
 
 // The same with plain square roots: a last bit less certain, at half the cost, for the
@@ -1048,7 +1051,7 @@ double meridianDistance(const TmSeries& s, double lat)
 {
     double sphi, cphi;
     sinCosDeg(std::fabs(lat), sphi, cphi);
-    const double chi = cphi != 0.0 ? std::atan(conformalTan(sphi / cphi, s.e)) : kPi / 2.0;
+    const double chi = cphi != 0.0 ? std::atan(conformalTan(sphi, cphi, s.e)) : kPi / 2.0;
     double re, im;
     clenshaw6(s.alpha, chi, 0.0, re, im);
     const double m = s.rectA * (chi + re);
@@ -1070,7 +1073,7 @@ GridPoint preciseTmForward(const PreciseTm& p, const GeoPoint& position)
     // the sines and cosines of 2 xi' and 2 eta' follow from the same numbers.
     double xip = kPi / 2.0, etap = 0.0, re, im;
     if (lat != 90.0) {
-        const double taup = conformalTan(sphi / cphi, s.e);
+        const double taup = conformalTan(sphi, cphi, s.e);
         const double r2 = taup * taup + clam * clam, tau1 = norm(1.0, taup);
         xip = std::atan2(taup, clam);
         etap = std::asinh(slam / std::sqrt(r2));
@@ -1114,7 +1117,7 @@ GridPoint upsForward(bool north, const GeoPoint& position)
     if (lat != 90.0) {
         double sphi, cphi;
         sinCosDeg(lat, sphi, cphi);
-        const double taup = conformalTan(sphi / cphi, s.e);
+        const double taup = conformalTan(sphi, cphi, s.e);
         // sec - tan of the conformal latitude, written so that it does not cancel.
         const double t = taup >= 0 ? 1.0 / (norm(1.0, taup) + taup) : norm(1.0, taup) - taup;
         rho = t * (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);

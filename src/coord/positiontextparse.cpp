@@ -1101,7 +1101,12 @@ std::optional<Position> parse(const QString& text, QString* error)
     Notation readAs[kNotationCount];
     int successes = 0, failures = 0;
     QString problems;
+    // Texts that start with a number are UTM, MGRS or degrees: every other notation
+    // starts with its letters.
+    const bool numberFirst = tokens.t[0].kind == Kind::Number;
     for (const Notation n : order) {
+        if (numberFirst && n != Notation::UTM && n != Notation::MGRS && n != Notation::Decimal)
+            continue;
         Outcome o = parseAs(text, tokens, n, false, compact);
         if (o.state == Outcome::NoShape)
             continue;
