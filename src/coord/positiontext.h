@@ -107,6 +107,10 @@ struct Position
 /// locator such as "JO99" is also a British reference at 10 km), parse() fails with an
 /// error that names the candidates.
 ///
+/// In degree texts the letters d and m after a number are the degree and minute marks,
+/// and s after the seconds is their mark when the minutes were marked with m
+/// ("59d19m45.48sN"); N, S, E and W are hemispheres.
+///
 /// In UTM texts a lower-case "s" is the southern hemisphere (GeoConvert's form) and an
 /// upper-case "S" the latitude band S (32 to 40 degrees north); "n" and "N" both mean
 /// the northern hemisphere, in which band N lies.
@@ -114,8 +118,8 @@ struct Position
 /// @param text  the text; at most 256 characters
 /// @param error if not null, receives an empty text on success, otherwise a
 ///              description of the problem and, where there is one, the 1-based
-///              character position ("MGRS: column letter Q is not used in zone 34 (S to
-///              Z) at 4")
+///              character position ("MGRS: column letter Q is not used in zone 34 (A to
+///              H) at 4")
 /// @return the position and the notation read, or nothing for empty texts, garbage,
 ///         ambiguous texts and values out of range (latitude beyond 90 degrees,
 ///         minutes or seconds of 60 or more, an MGRS square that does not exist in its
@@ -154,7 +158,7 @@ KVBASE_EXPORT std::optional<Position> parse(const QString& text, Notation notati
 /// Writes a WGS-84 position in a notation.
 ///
 /// Decimal and DMS are rounded correctly (DMS carries into minutes and degrees, never
-/// 60" or 60'); UTM, RT90 and SWEREF 99 TM round to nearest; MGRS, British and Irish
+/// writing 60 seconds or 60 minutes); UTM, RT90 and SWEREF 99 TM round to nearest; MGRS, British and Irish
 /// references truncate, as their standards do. UTM switches to UPS from 84 degrees north
 /// (inclusive) and south of 80 degrees south, as GeoConvert does, and uses the Norway
 /// and Svalbard zones. Maidenhead keeps latitude 90 and longitude 180 inside the grid.
@@ -178,17 +182,28 @@ KVBASE_EXPORT std::optional<Position> parse(const QString& text, Notation notati
 KVBASE_EXPORT QString format(double latitude, double longitude, Notation notation, int precision = -1,
                              QString* error = nullptr);
 
-/// The name of a notation: "Decimal", "DMS", "UTM", "MGRS", "RT90", "SWEREF 99 TM",
-/// "Maidenhead", "British grid" or "Irish grid"; empty for a value outside the enum.
-/// Thread-safe. Example: @code PositionText::name(PositionText::Notation::IrishGrid); // "Irish grid"
+/// The name of a notation.
+///
+/// @param notation the notation
+/// @return "Decimal", "DMS", "UTM", "MGRS", "RT90", "SWEREF 99 TM", "Maidenhead",
+///         "British grid" or "Irish grid"; an empty text for a value outside the enum
+///
+/// Thread-safe. Example:
+/// @code
+/// PositionText::name(PositionText::Notation::IrishGrid);            // "Irish grid"
 /// @endcode
 KVBASE_EXPORT QString name(Notation notation);
 
-/// The notation of a name as name() gives it, compared without regard to case, blanks
-/// and underscores ("sweref99tm", "British Grid"), or of its number ("3" is MGRS).
+/// The notation of a name as name() gives it or as the enum spells it, compared without
+/// regard to case, blanks and underscores ("sweref99tm", "British Grid"), or of its
+/// number ("3" is MGRS).
+///
 /// @param name the name or number; surrounding blanks are ignored
-/// @return the notation, or nothing for an unknown name
-/// Thread-safe. Example: @code PositionText::notationFromName(QStringLiteral("mgrs")); // Notation::MGRS
+/// @return the notation, or nothing for an unknown name or a number outside 0 to 8
+///
+/// Thread-safe. Example:
+/// @code
+/// PositionText::notationFromName(QStringLiteral("mgrs"));          // Notation::MGRS
 /// @endcode
 KVBASE_EXPORT std::optional<Notation> notationFromName(const QString& name);
 
