@@ -104,7 +104,8 @@ struct Position
 /// - Two values with marks (° ' " d m s :) are DMS, plain numbers decimal degrees.
 /// Grid values without their letters (RT90, SWEREF 99 TM) are read only when the
 /// notation is given. When more than one notation reads the text (a four-character
-/// locator such as "JO99" is also a British reference at 10 km), parse() fails with an
+/// locator such as "JO99" is also a British reference at 10 km, and "N 7 1" an Irish
+/// reference at 10 km as well as 7 degrees north, 1 degree east), parse() fails with an
 /// error that names the candidates.
 ///
 /// In degree texts the letters d and m after a number are the degree and minute marks,

@@ -155,6 +155,9 @@ private slots:
                                            .arg(r.lon, 0, 'g', 17)
                                            .arg(r.utm.join(QLatin1Char(' ')), r.letters)
                                            .toUtf8();
+            // GeoConvert's own text ("34n 333230.061164740 6580391.323361461") reads too.
+            const auto own = parse(r.utm.join(QLatin1Char(' ')), Notation::UTM);
+            QVERIFY2(own && metres(r.lat, r.lon, own->latitude, own->longitude) < 1e-8, context);
             // UTM/UPS at 0 to 9 decimals, then MGRS with 0 to 5 digits.
             for (int step = 0; step < 16; ++step) {
                 const bool mgrs = step >= 10;
@@ -359,6 +362,102 @@ private slots:
             QCOMPARE(n ? QString::number(int(*n)) : QStringLiteral("-"), c[2]);
         } else {
             QFAIL("unknown case kind");
+        }
+    }
+
+    // Every notation's texts at every precision, positions where the notation has texts,
+    // are read back by detection as what they are, to within their last digit; only the
+    // four-character locators that are also 10 km British references, and Irish
+    // references of 1 or 2 digits with the letters N, S, E or W ("N 7 1", also degrees),
+    // are refused as ambiguous.
+    void detectionReadsEveryNotation()
+    {
+        struct Area
+        {
+            Notation notation;
+            double lat0, dlat, lon0, dlon;
+            int minPrecision, maxPrecision;
+        };
+        static const Area areas[] = {{Notation::Decimal, -90, 180, -180, 360, 0, 10},
+                                     {Notation::DMS, -90, 180, -180, 360, 0, 6},
+                                     {Notation::UTM, -90, 180, -180, 360, 0, 9},
+                                     {Notation::MGRS, -90, 180, -180, 360, 0, 5},
+                                     {Notation::RT90, 55, 14, 10, 14, 0, 3},
+                                     {Notation::SWEREF99TM, 55, 14, 10, 14, 0, 3},
+                                     {Notation::Maidenhead, -90, 180, -180, 360, 1, 5},
+                                     {Notation::BritishGrid, 50, 10, -6, 7, 1, 5},
+                                     {Notation::IrishGrid, 51.5, 3.8, -10, 4, 1, 5}};
+        // Degrees of longitude of a locator's cell; a cell is half as high.
+        static const double cellWidth[] = {0, 20.0, 2.0, 1.0 / 12, 1.0 / 120, 1.0 / 2880};
+        SplitMix draw;
+        for (const Area& a : areas) {
+            for (int i = 0; i < 500; ++i) {
+                const double lat = draw.next(a.lat0, a.dlat), lon = draw.next(a.lon0, a.dlon);
+                for (int precision = a.minPrecision; precision <= a.maxPrecision; ++precision) {
+                    const QString text = format(lat, lon, a.notation, precision);
+                    QString error;
+                    const auto p = parse(text, &error);
+                    const bool mayCollide = (a.notation == Notation::Maidenhead && precision == 2) ||
+                                            (a.notation == Notation::IrishGrid && precision <= 2);
+                    if (mayCollide && !p) {
+                        QVERIFY2(error.startsWith(QLatin1String("ambiguous")) &&
+                                     error.contains(name(a.notation)),
+                                 qPrintable(error));
+                        continue;
+                    }
+                    QVERIFY2(p && p->notation == a.notation, qPrintable(text + QLatin1String(": ") + error));
+                    // Within the text's last unit: the grids' units in metres, degrees' in degrees.
+                    const double off = metres(lat, lon, p->latitude, p->longitude);
+                    const double unit = a.notation == Notation::Decimal
+                                            ? 111320.0 * std::pow(10.0, -precision)
+                                        : a.notation == Notation::DMS ? 31.0 * std::pow(10.0, -precision)
+                                        : a.notation == Notation::Maidenhead ? 111320.0 * cellWidth[precision]
+                                        : a.notation == Notation::MGRS || a.notation >= Notation::BritishGrid
+                                            ? std::pow(10.0, 5 - precision)
+                                            : std::pow(10.0, -precision);
+                    QVERIFY2(off <= unit + 1e-6,
+                             qPrintable(QStringLiteral("%1 reads %2 m off").arg(text).arg(off)));
+                }
+            }
+        }
+    }
+
+    // Texts made of the characters that positions are written with, and valid texts
+    // with one character dropped, doubled or replaced, never crash the reader; what they
+    // read is a position in range, what they do not read has a reason.
+    void anyTextReadsSafely()
+    {
+        static const QString alphabet = QStringLiteral("0123456789.,;:-+ NSEWdmsXYZABCVQOJT°'\"′″");
+        SplitMix draw;
+        const auto pick = [&](int n) { return int(draw.next(0.0, n)); };
+        static const char* const valid[] = {"34VCL3323080391",    "59°19'45.48\"N 18°04'06.96\"E",
+                                            "34V 333230 6580391", "TQ 30028 80380",
+                                            "X6580909 Y1628833",  "JO99AH",
+                                            "Z 2096454 1452981"};
+        for (int i = 0; i < 100000; ++i) {
+            QString text;
+            if (i % 2 == 0) {
+                for (int n = pick(24); n > 0; --n)
+                    text += alphabet[pick(int(alphabet.size()))];
+            } else {
+                text = QString::fromUtf8(valid[pick(7)]);
+                const int at = pick(int(text.size()));
+                const int how = pick(3);
+                if (how == 0)
+                    text.remove(at, 1);
+                else if (how == 1)
+                    text.insert(at, text[at]);
+                else
+                    text[at] = alphabet[pick(int(alphabet.size()))];
+            }
+            QString error;
+            const auto p = parse(text, &error);
+            if (p)
+                QVERIFY2(std::fabs(p->latitude) <= 90.0 && std::fabs(p->longitude) <= 180.0 &&
+                             error.isEmpty(),
+                         qPrintable(text));
+            else
+                QVERIFY2(!error.isEmpty(), qPrintable(text));
         }
     }
 
