@@ -558,10 +558,8 @@ Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given, Compact
     const Compact& c = *view;
     int i = 0;
     int zone = 0;
-    while (i < c.n && isDigit(c.c[i])) {
-        zone = zone * 10 + (c.c[i] - '0');
-        ++i;
-    }
+    for (; i < c.n && isDigit(c.c[i]); ++i)
+        zone = i < 2 ? zone * 10 + (c.c[i] - '0') : zone; // more than two digits is no zone
     int letters = 0;
     while (i + letters < c.n && isLetter(c.c[i + letters]))
         ++letters;
