@@ -281,6 +281,28 @@ constexpr int kRt90TextZone = 2;
 /// zones; nullopt for any other name.
 std::optional<TmParameters> swedishParameterSet(const QString& name);
 
+// ---- National grids as published ---------------------------------------------------------
+
+/// A national transverse Mercator grid as its mapping agency publishes it, on the
+/// ellipsoid of its datum (datumshift_p.h): latitude and meridian of origin (degrees),
+/// scale, false origin (metres) and the extent of its lettered 100 km squares. Rows 1
+/// and 2 of gridRow hold the same grids as CMercCoordTrans has always stored them (axes
+/// times scale, radians through kGridDegToRad).
+struct NationalGridDefinition
+{
+    double lat0;
+    double lon0;
+    double scale;
+    double falseEasting;
+    double falseNorthing;
+    int squaresEast;  ///< lettered 100 km squares east of the false origin
+    int squaresNorth; ///< and north of it
+};
+/// Ordnance Survey National Grid (OSGB36): the 500 km squares S, T, N, O, H, J.
+constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0, 10, 15};
+/// Irish Grid (Ireland 1965): 5 x 5 squares A to Z without I.
+constexpr NationalGridDefinition kIrishGridDefinition{53.5, -8.0, 1.000035, 200000.0, 250000.0, 5, 5};
+
 // ---- Transverse Mercator to n^6 and polar stereographic --------------------------------
 
 /// Krueger's series of an ellipsoid to the sixth order in n, with the exact conformal

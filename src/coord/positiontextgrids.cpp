@@ -13,16 +13,11 @@ namespace {
 struct NationalGridRow
 {
     const Datum* datum;
-    double lat0, lon0, scale, falseEasting, falseNorthing;
-    int squaresEast, squaresNorth; // lettered 100 km squares from the false origin
+    const NationalGridDefinition* grid;
 };
 
-// Ordnance Survey National Grid on OSGB36; Irish Grid on Ireland 1965. British
-// references letter the 500 km squares S, T, N, O, H and J; Irish ones 5 x 5 squares.
-const NationalGridRow kNationalGrids[] = {
-    {&kOsgb36, 49.0, -2.0, 0.9996012717, 400000.0, -100000.0, 10, 15},
-    {&kIreland1965, 53.5, -8.0, 1.000035, 200000.0, 250000.0, 5, 5},
-};
+const NationalGridRow kNationalGrids[] = {{&kOsgb36, &kBritishGridDefinition},
+                                          {&kIreland1965, &kIrishGridDefinition}};
 
 const NationalGridRow& row(NationalGrid grid)
 {
@@ -35,8 +30,12 @@ struct NationalProjection
     PreciseTm tm;
 
     explicit NationalProjection(const NationalGridRow& r)
-        : series(r.datum->ellipsoid), tm{&series,         r.lon0,         r.scale,
-                                         r.falseNorthing, r.falseEasting, meridianDistance(series, r.lat0)}
+        : series(r.datum->ellipsoid), tm{&series,
+                                         r.grid->lon0,
+                                         r.grid->scale,
+                                         r.grid->falseNorthing,
+                                         r.grid->falseEasting,
+                                         meridianDistance(series, r.grid->lat0)}
     {
     }
     NationalProjection(const NationalProjection&) = delete;
@@ -124,7 +123,7 @@ std::optional<GeoPoint> nationalGridToWgs84(NationalGrid grid, const GridPoint& 
 
 bool nationalGridLetters(NationalGrid grid, const GridPoint& point, char letters[2])
 {
-    const NationalGridRow& r = row(grid);
+    const NationalGridDefinition& r = *row(grid).grid;
     const double e = std::floor(point.easting / 100000.0), n = std::floor(point.northing / 100000.0);
     if (!(e >= 0.0 && n >= 0.0 && e < r.squaresEast && n < r.squaresNorth))
         return false;
