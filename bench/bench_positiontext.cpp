@@ -103,8 +103,38 @@ void GeoCoords_Parse(benchmark::State& state, bool mgrs)
     }
 }
 
+// Every notation once, at a place where it has a text: Stockholm, London for the British
+// and Dublin for the Irish grid.
+Position placeOf(Notation n)
+{
+    return n == Notation::BritishGrid ? Position{51.5074, -0.1278}
+           : n == Notation::IrishGrid ? Position{53.3498, -6.2603}
+                                      : Position{59.3293, 18.0686};
+}
+
+void KvBase_FormatEach(benchmark::State& state)
+{
+    const Notation n = Notation(state.range(0));
+    const Position p = placeOf(n);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(PositionText::format(p.lat, p.lon, n));
+    state.SetLabel(PositionText::name(n).toStdString());
+}
+
+void KvBase_ParseEach(benchmark::State& state)
+{
+    const Notation n = Notation(state.range(0));
+    const Position p = placeOf(n);
+    const QString text = PositionText::format(p.lat, p.lon, n);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(PositionText::parse(text));
+    state.SetLabel(PositionText::name(n).toStdString());
+}
+
 } // namespace
 
+BENCHMARK(KvBase_FormatEach)->DenseRange(0, 8);
+BENCHMARK(KvBase_ParseEach)->DenseRange(0, 8);
 BENCHMARK_CAPTURE(KvBase_Format, UTM, Notation::UTM);
 BENCHMARK_CAPTURE(GeoCoords_Format, UTM, false);
 BENCHMARK_CAPTURE(KvBase_Format, MGRS, Notation::MGRS);
