@@ -10,10 +10,11 @@ mode=${1:-run}
 shift || true
 build_dir=${KVBASE_BUILD_DIR:-build}
 
-packages=(g++ cmake make qtbase5-dev libboost-dev)
+packages=(g++ cmake make qtbase5-dev libboost-dev libssl-dev)
 cmake_args=()
 case "$mode" in
-    run | test) ;;
+    run) ;;
+    test) packages+=(python3-jwt python3-cryptography) ;;
     bench)
         packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
