@@ -16,7 +16,7 @@ case "$mode" in
     run) ;;
     test) packages+=(python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
