@@ -243,9 +243,10 @@ class Progress
 public:
     Progress(qint64 total) : m_total(total) { m_clock.start(); }
 
-    void update(qint64 done, qint64 lines)
+    /// Redraws at most five times a second unless `force`d.
+    void update(qint64 done, qint64 lines, bool force = false)
     {
-        if (m_clock.elapsed() < m_lastDraw + kProgressIntervalMs)
+        if (!force && m_clock.elapsed() < m_lastDraw + kProgressIntervalMs)
             return;
         m_lastDraw = m_clock.elapsed();
         const int percent = m_total > 0 ? int(qMin<qint64>(100, done * 100 / m_total)) : 100;
@@ -399,8 +400,10 @@ int run(const Options& options, const LineConverter& converter)
             progress->update(reader.bytesRead(), lineNumber);
     }
     out.flush();
-    if (progress)
+    if (progress) {
+        progress->update(reader.bytesRead(), lineNumber, true);
         progress->clear();
+    }
     if (fromFile)
         ::close(fd);
 
