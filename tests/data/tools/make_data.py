@@ -67,14 +67,19 @@ def tokens():
     ec_jwk = json.loads(ECAlgorithm.to_jwk(public("ec256")))
     ec_jwk["kid"] = "ec-1"
     json.dump({"keys": [rsa_jwk, ec_jwk]}, open("jwks.json", "w"), indent=2)
+    ec_private = serialization.load_pem_private_key(open("ec256.pem", "rb").read(), None)
+    ec_private_jwk = json.loads(ECAlgorithm.to_jwk(ec_private))
+    ec_private_jwk["kid"] = "ec-1"
+    json.dump(ec_private_jwk, open("ec256.jwk.json", "w"), indent=2)
+    json.dump({"iss": "dispatch", "scope": ["read", "write"], "n": 1.5}, open("claims.json", "w"))
 
     # Members in sorted order, so the library's compact JSON is byte for byte the same.
     hs256 = jwt.encode({"iss": "dispatch", "n": 5, "sub": "alice"}, secret, "HS256")
     open("pyjwt_hs256.jwt", "w").write(hs256 + "\n")
-    ec_key = serialization.load_pem_private_key(open("ec256.pem", "rb").read(), None)
     es256 = jwt.encode({"iss": "dispatch", "aud": ["radio", "ops"], "exp": 2000000000, "sub": "Göteborg"},
-                       ec_key, "ES256", headers={"kid": "ec-1"})
+                       ec_private, "ES256", headers={"kid": "ec-1"})
     open("pyjwt_es256.jwt", "w").write(es256 + "\n")
+    open("pyjwt_none.jwt", "w").write(jwt.encode({"sub": "alice"}, None, "none") + "\n")
 
 
 positions()
