@@ -98,7 +98,7 @@ void CommandLine::parse(const QStringList& arguments)
         previousTakesValue = false;
         if (argument.startsWith(QLatin1Char('-')) && !argument.contains(QLatin1Char('='))) {
             const QString name = argument.mid(argument.startsWith(QLatin1String("--")) ? 2 : 1);
-            for (const QCommandLineOption& option : qAsConst(m_options))
+            for (const QCommandLineOption& option : std::as_const(m_options))
                 if (option.names().contains(name) && !option.valueName().isEmpty())
                     previousTakesValue = true;
         }

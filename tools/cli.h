@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <cstdio>
+#include <utility>
 #include <optional>
 
 namespace Cli {

@@ -12,6 +12,7 @@
 #include <QRegularExpression>
 
 #include <cmath>
+#include <utility>
 
 using jsonWebToken::JwsAlgorithm;
 
@@ -167,7 +168,7 @@ int sign(const QStringList& arguments)
             order.append(name);
         claims[name].append(claimValue(claim.mid(equals + 1)));
     }
-    for (const QString& name : qAsConst(order)) {
+    for (const QString& name : std::as_const(order)) {
         const QJsonArray& values = claims[name];
         payload.insert(name, values.size() == 1 ? values.first() : QJsonValue(values));
     }
