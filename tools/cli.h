@@ -8,8 +8,8 @@
 #include <QStringList>
 
 #include <cstdio>
-#include <utility>
 #include <optional>
+#include <utility>
 
 namespace Cli {
 

@@ -197,12 +197,18 @@ int sign(const QStringList& arguments)
                                    header, &error);
     } else if (secret) {
         token = jsonWebToken::sign(payload, JwsAlgorithm::HS256, key, header, &error);
+    } else if (!key.canSign()) {
+        error = QStringLiteral("the key in '%1' is a public key; signing needs the private one")
+                    .arg(command.value(kKeyFile));
     } else {
+        // The key's type decides; the first algorithm it accepts is the default.
         for (const JwsAlgorithm algorithm : kDefaultKeyAlgorithms) {
-            token = jsonWebToken::sign(payload, algorithm, key, header, &error);
+            token = jsonWebToken::sign(payload, algorithm, key, header);
             if (!token.isEmpty())
                 break;
         }
+        if (token.isEmpty())
+            error = QStringLiteral("no algorithm signs with this key; name one with --alg");
     }
     if (token.isEmpty()) {
         Cli::err(QStringLiteral("kvtool jwt sign: %1\n").arg(error));
