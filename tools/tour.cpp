@@ -9,9 +9,11 @@
 
 namespace {
 
-// The Isle of Man: a position that every notation can write, the British and
-// the Irish grid included.
-const char kPosition[] = "54.15 -4.48";
+// Stockholm, which the Swedish grids cover; London and Dublin for the British
+// and Irish grids, which cover only their islands.
+const char kPosition[] = "59.3293 18.0686";
+const char kLondon[] = "51.5007 -0.1246";
+const char kDublin[] = "53.3498 -6.2603";
 
 void heading(const QString& text)
 {
@@ -28,6 +30,13 @@ int runTour()
     heading(
         QStringLiteral("One position in every notation: kvtool coord \"%1\"").arg(QLatin1String(kPosition)));
     runCoord({QStringLiteral("coord"), QString::fromLatin1(kPosition)});
+    heading(QStringLiteral("The national grids of Britain and Ireland: kvtool coord --to british \"%1\", "
+                           "--to irish \"%2\"")
+                .arg(QLatin1String(kLondon), QLatin1String(kDublin)));
+    runCoord({QStringLiteral("coord"), QStringLiteral("--to"), QStringLiteral("british"),
+              QString::fromLatin1(kLondon)});
+    runCoord({QStringLiteral("coord"), QStringLiteral("--to"), QStringLiteral("irish"),
+              QString::fromLatin1(kDublin)});
 
     heading(QStringLiteral("A GSM channel and back: kvtool gsm 62 947.4MHz"));
     runGsm({QStringLiteral("gsm"), QStringLiteral("62"), QStringLiteral("947.4MHz")});
