@@ -72,7 +72,7 @@ struct Job
         }
         if (legacy)
             for (int i = 0; i < kLegacyFormatCount; ++i)
-                names.append(getCoordFormatName(static_cast<CoordFormat>(i)));
+                names.append(QStringLiteral("Coord: ") + getCoordFormatName(static_cast<CoordFormat>(i)));
         return names;
     }
 
