@@ -3,8 +3,8 @@
 # kvtool and by the programs geodesists use for it: GeographicLib's GeoConvert
 # and PROJ's cs2cs, side by side on the same file.
 #   bench/bench_kvtool.sh [path/to/kvtool] [lines]
-# Uses hyperfine when installed (median of five runs), else one /usr/bin/time
-# run each. cs2cs cannot choose the UTM zone per position nor write MGRS: it is
+# Uses hyperfine when installed (median wall time and mean CPU time of five
+# runs), else one /usr/bin/time run each. cs2cs cannot choose the UTM zone per position nor write MGRS: it is
 # given one fixed zone, which is less work than the others do.
 set -euo pipefail
 kvtool=${1:-build/tools/kvtool}
@@ -40,14 +40,17 @@ if command -v hyperfine > /dev/null; then
 import json, sys
 results = json.load(open(sys.argv[1]))["results"]
 lines = int(sys.argv[2])
-print(f"{'program':32} {'median s':>9} {'positions/s':>13}")
+# CPU time (user + system) is what one core spends; wall time also counts the
+# waits of a machine shared with other work.
+print(f"{'program':32} {'wall s':>7} {'CPU s':>7} {'positions/s (CPU)':>18}")
 for r in results:
-    print(f"{r['command']:32} {r['median']:9.3f} {lines / r['median']:13,.0f}")
+    cpu = r["user"] + r["system"]
+    print(f"{r['command']:32} {r['median']:7.3f} {cpu:7.3f} {lines / cpu:18,.0f}")
 PY
 else
     for i in "${!names[@]}"; do
-        seconds=$( { /usr/bin/time -f %e bash -c "${commands[$i]}"; } 2>&1 | tail -1)
-        awk -v name="${names[$i]}" -v s="$seconds" -v n="$lines" \
-            'BEGIN { printf "%-32s %9.3f %13.0f\n", name, s, n / s }'
+        times=$( { /usr/bin/time -f "%e %U %S" bash -c "${commands[$i]}"; } 2>&1 | tail -1)
+        awk -v name="${names[$i]}" -v n="$lines" -v t="$times" \
+            'BEGIN { split(t, a, " "); cpu = a[2] + a[3]; printf "%-32s %7.3f %7.3f %18.0f\n", name, a[1], cpu, n / cpu }'
     done
 fi
