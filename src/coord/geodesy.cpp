@@ -1,7 +1,9 @@
 #include "coord/geodesy_p.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 namespace Geodesy {
 
@@ -768,6 +770,307 @@ std::optional<TmParameters> swedishParameterSet(const QString& name)
         if (name == QLatin1String(z.name))
             return TmParameters{kGrs80, z.centralMeridian, 1.0, 0.0, kSweref99LocalFalseEasting};
     return std::nullopt;
+}
+
+// ---- Transverse Mercator to n^6 and polar stereographic --------------------------------
+
+namespace {
+
+// e atanh(e x): what separates the conformal from the geographic latitude.
+double eAtanhE(double x, double e)
+{
+    return e * std::atanh(e * x);
+}
+
+// Tangent of the conformal latitude of a latitude whose tangent is tau, and its inverse
+// (Karney 2011, eqs. 7 to 9 and 19 to 21).
+double conformalTan(double tau, double e)
+{
+    const double tau1 = std::hypot(1.0, tau);
+    const double sig = std::sinh(eAtanhE(tau / tau1, e));
+    return std::hypot(1.0, sig) * tau - sig * tau1;
+}
+
+double geographicTan(double tauPrime, double e)
+{
+    // Newton's method from a start good to 1e-3: three steps reach the last bit.
+    static const double tol = std::sqrt(std::numeric_limits<double>::epsilon()) / 10.0;
+    static const double tauMax = 2.0 / std::sqrt(std::numeric_limits<double>::epsilon());
+    const double e2m = 1.0 - e * e;
+    double tau = std::fabs(tauPrime) > 70.0 ? tauPrime * std::exp(eAtanhE(1.0, e)) : tauPrime / e2m;
+    const double stol = tol * std::max(1.0, std::fabs(tauPrime));
+    if (!(std::fabs(tau) < tauMax))
+        return tau;
+    for (int i = 0; i < 5; ++i) {
+        const double tauPrimeI = conformalTan(tau, e);
+        const double dtau = (tauPrime - tauPrimeI) * (1.0 + e2m * tau * tau) /
+                            (e2m * std::hypot(1.0, tau) * std::hypot(1.0, tauPrimeI));
+        tau += dtau;
+        if (!(std::fabs(dtau) >= stol))
+            break;
+    }
+    return tau;
+}
+
+// Sine and cosine of degrees, reduced exactly to a quadrant first so that multiples of
+// 90 degrees give exact zeros.
+void sinCosDeg(double deg, double& s, double& c)
+{
+    int q = 0;
+    const double r = std::remquo(deg, 90.0, &q) * kDegToRad;
+    const double sr = std::sin(r), cr = std::cos(r);
+    switch (unsigned(q) & 3u) {
+    case 0:
+        s = sr, c = cr;
+        break;
+    case 1:
+        s = cr, c = -sr;
+        break;
+    case 2:
+        s = -sr, c = -cr;
+        break;
+    default:
+        s = -cr, c = sr;
+        break;
+    }
+    c += 0.0; // no negative zero
+    if (deg == 0.0)
+        s = deg;
+}
+
+// atan2 in degrees with the larger of |y| and |x| below, so that angles near 90 degrees
+// keep their last bits.
+double atan2Deg(double y, double x)
+{
+    int q = 0;
+    if (std::fabs(y) > std::fabs(x)) {
+        std::swap(x, y);
+        q = 2;
+    }
+    if (x < 0) {
+        x = -x;
+        ++q;
+    }
+    const double ang = std::atan2(y, x) * kRadToDeg;
+    switch (q) {
+    case 1:
+        return (y >= 0 ? 180.0 : -180.0) - ang;
+    case 2:
+        return 90.0 - ang;
+    case 3:
+        return -90.0 + ang;
+    default:
+        return ang;
+    }
+}
+
+// Sum over k = 1..6 of c[k] sin(2k zeta) for zeta = xi + i eta, by Clenshaw's recurrence
+// on 2 cos(2 zeta).
+void clenshaw6(const double c[7], double xi, double eta, double& re, double& im)
+{
+    const double s2 = std::sin(2.0 * xi), c2 = std::cos(2.0 * xi);
+    const double sh2 = std::sinh(2.0 * eta), ch2 = std::cosh(2.0 * eta);
+    const double ar = 2.0 * c2 * ch2, ai = -2.0 * s2 * sh2;
+    double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
+    for (int k = 6; k >= 1; --k) {
+        const double br = c[k] + ar * b1r - ai * b1i - b2r;
+        const double bi = ar * b1i + ai * b1r - b2i;
+        b2r = b1r;
+        b2i = b1i;
+        b1r = br;
+        b1i = bi;
+    }
+    const double sr = s2 * ch2, si = c2 * sh2;
+    re = b1r * sr - b1i * si;
+    im = b1r * si + b1i * sr;
+}
+
+// Coefficients of n^1 to n^6 (Karney 2011, eqs. 35 and 36).
+constexpr double kAlphaRows[6][6] = {
+    {1.0 / 2.0, -2.0 / 3.0, 5.0 / 16.0, 41.0 / 180.0, -127.0 / 288.0, 7891.0 / 37800.0},
+    {0.0, 13.0 / 48.0, -3.0 / 5.0, 557.0 / 1440.0, 281.0 / 630.0, -1983433.0 / 1935360.0},
+    {0.0, 0.0, 61.0 / 240.0, -103.0 / 140.0, 15061.0 / 26880.0, 167603.0 / 181440.0},
+    {0.0, 0.0, 0.0, 49561.0 / 161280.0, -179.0 / 168.0, 6601661.0 / 7257600.0},
+    {0.0, 0.0, 0.0, 0.0, 34729.0 / 80640.0, -3418889.0 / 1995840.0},
+    {0.0, 0.0, 0.0, 0.0, 0.0, 212378941.0 / 319334400.0}};
+constexpr double kBetaRows[6][6] = {
+    {1.0 / 2.0, -2.0 / 3.0, 37.0 / 96.0, -1.0 / 360.0, -81.0 / 512.0, 96199.0 / 604800.0},
+    {0.0, 1.0 / 48.0, 1.0 / 15.0, -437.0 / 1440.0, 46.0 / 105.0, -1118711.0 / 3870720.0},
+    {0.0, 0.0, 17.0 / 480.0, -37.0 / 840.0, -209.0 / 4480.0, 5569.0 / 90720.0},
+    {0.0, 0.0, 0.0, 4397.0 / 161280.0, -11.0 / 504.0, -830251.0 / 7257600.0},
+    {0.0, 0.0, 0.0, 0.0, 4583.0 / 161280.0, -108847.0 / 3991680.0},
+    {0.0, 0.0, 0.0, 0.0, 0.0, 20648693.0 / 638668800.0}};
+
+} // namespace
+
+TmSeries::TmSeries(const Ellipsoid& ell) : ellipsoid(ell), e(std::sqrt(ell.e2()))
+{
+    const double n = ell.f / (2.0 - ell.f), n2 = n * n;
+    // a / (1 + n) (1 + n^2/4 + n^4/64 + n^6/256)
+    rectA = ell.a / (1.0 + n) * (1.0 + n2 * (1.0 / 4.0 + n2 * (1.0 / 64.0 + n2 / 256.0)));
+    alpha[0] = beta[0] = 0.0;
+    for (int k = 0; k < 6; ++k) {
+        double sa = 0.0, sb = 0.0;
+        for (int j = 5; j >= 0; --j) {
+            sa = sa * n + kAlphaRows[k][j];
+            sb = sb * n + kBetaRows[k][j];
+        }
+        alpha[k + 1] = sa * n;
+        beta[k + 1] = sb * n;
+    }
+    upsC = (1.0 - ell.f) * std::exp(eAtanhE(1.0, e));
+}
+
+const TmSeries& wgs84TmSeries()
+{
+    static const TmSeries series(kWgs84);
+    return series;
+}
+
+double meridianDistance(const TmSeries& s, double lat)
+{
+    double sphi, cphi;
+    sinCosDeg(std::fabs(lat), sphi, cphi);
+    const double chi = cphi != 0.0 ? std::atan(conformalTan(sphi / cphi, s.e)) : kPi / 2.0;
+    double re, im;
+    clenshaw6(s.alpha, chi, 0.0, re, im);
+    const double m = s.rectA * (chi + re);
+    return lat < 0 ? -m : m;
+}
+
+GridPoint preciseTmForward(const PreciseTm& p, const GeoPoint& position)
+{
+    // Symmetric in both axes: computed in the first quadrant, signs put back after.
+    const TmSeries& s = *p.series;
+    double lat = position.lat, lam = position.lon - p.centralMeridian;
+    const double latSign = lat < 0 ? -1.0 : 1.0, lamSign = lam < 0 ? -1.0 : 1.0;
+    lat *= latSign;
+    lam *= lamSign;
+    double sphi, cphi, slam, clam;
+    sinCosDeg(lat, sphi, cphi);
+    sinCosDeg(lam, slam, clam);
+    double xip = kPi / 2.0, etap = 0.0;
+    if (lat != 90.0) {
+        const double taup = conformalTan(sphi / cphi, s.e);
+        xip = std::atan2(taup, clam);
+        etap = std::asinh(slam / std::hypot(taup, clam));
+    }
+    double re, im;
+    clenshaw6(s.alpha, xip, etap, re, im);
+    const double k = s.rectA * p.scale;
+    return {p.falseEasting + k * (etap + im) * lamSign,
+            p.falseNorthing + (k * (xip + re) * latSign - p.scale * p.originNorthing)};
+}
+
+GeoPoint preciseTmInverse(const PreciseTm& p, const GridPoint& grid)
+{
+    const TmSeries& s = *p.series;
+    const double k = s.rectA * p.scale;
+    double xi = ((grid.northing - p.falseNorthing) + p.scale * p.originNorthing) / k;
+    double eta = (grid.easting - p.falseEasting) / k;
+    const double xiSign = xi < 0 ? -1.0 : 1.0, etaSign = eta < 0 ? -1.0 : 1.0;
+    xi *= xiSign;
+    eta *= etaSign;
+    double re, im;
+    clenshaw6(s.beta, xi, eta, re, im);
+    const double xip = xi - re, etap = eta - im;
+    const double sh = std::sinh(etap), c = std::max(0.0, std::cos(xip));
+    const double r = std::hypot(sh, c);
+    double phi = 90.0, lam = 0.0;
+    if (r != 0.0) {
+        lam = atan2Deg(sh, c);
+        phi = atan2Deg(geographicTan(std::sin(xip) / r, s.e), 1.0);
+    }
+    return {phi * xiSign, p.centralMeridian + lam * etaSign};
+}
+
+GridPoint upsForward(bool north, const GeoPoint& position)
+{
+    const TmSeries& s = wgs84TmSeries();
+    const double lat = north ? position.lat : -position.lat;
+    double rho = 0.0;
+    if (lat != 90.0) {
+        double sphi, cphi;
+        sinCosDeg(lat, sphi, cphi);
+        const double taup = conformalTan(sphi / cphi, s.e);
+        // sec - tan of the conformal latitude, written so that it does not cancel.
+        const double t = taup >= 0 ? 1.0 / (std::hypot(1.0, taup) + taup) : std::hypot(1.0, taup) - taup;
+        rho = t * (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
+    }
+    double slam, clam;
+    sinCosDeg(position.lon, slam, clam);
+    return {kUpsFalseOrigin + rho * slam, kUpsFalseOrigin + (north ? -rho : rho) * clam};
+}
+
+GeoPoint upsInverse(bool north, const GridPoint& grid)
+{
+    const TmSeries& s = wgs84TmSeries();
+    const double x = grid.easting - kUpsFalseOrigin, y = grid.northing - kUpsFalseOrigin;
+    const double rho = std::hypot(x, y);
+    double phi = 90.0;
+    if (rho != 0.0) {
+        const double t = rho / (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
+        phi = atan2Deg(geographicTan((1.0 / t - t) / 2.0, s.e), 1.0);
+    }
+    return {north ? phi : -phi, atan2Deg(x, north ? -y : y)};
+}
+
+std::optional<BandRange> bandRange(QChar letter)
+{
+    const std::optional<int> index = bandIndex(letter);
+    if (!index)
+        return std::nullopt;
+    const double south = -80.0 + 8.0 * *index;
+    return BandRange{south, *index == kBandCount - 1 ? 84.0 : south + 8.0};
+}
+
+namespace {
+
+// The polar columns: the alphabet without D, E, I, M, N, O, V, W, from easting 200 km.
+constexpr char kPolarColumns[] = "ABCFGHJKLPQRSTUXYZ";
+constexpr long kPolarColumnCount = 18;
+constexpr long kPolarFirstColumn = 2;
+struct PolarArea
+{
+    char letter;
+    long firstColumn, lastColumn; // easting / 100 km
+};
+constexpr PolarArea kPolarAreas[] = {{'A', 8, 19}, {'B', 20, 31}, {'Y', 13, 19}, {'Z', 20, 26}};
+constexpr long kPolarFirstRow[2] = {8, 13}; // south, north: northing / 100 km of row A
+constexpr long kPolarRowCount[2] = {24, 14};
+
+} // namespace
+
+char mgrsPolarColumnLetter(long eastingIndex)
+{
+    const long i = (eastingIndex - kPolarFirstColumn) % kPolarColumnCount;
+    return kPolarColumns[i < 0 ? i + kPolarColumnCount : i];
+}
+
+char mgrsPolarRowLetter(bool north, long northingIndex)
+{
+    const long i = (northingIndex - kPolarFirstRow[north]) % kLetterCount;
+    return kLetters[i < 0 ? i + kLetterCount : i];
+}
+
+std::optional<int> mgrsPolarEastingIndex(char area, QChar letter)
+{
+    for (const PolarArea& a : kPolarAreas) {
+        if (a.letter != area)
+            continue;
+        for (long column = a.firstColumn; column <= a.lastColumn; ++column)
+            if (letter == QLatin1Char(mgrsPolarColumnLetter(column)))
+                return int(column);
+    }
+    return std::nullopt;
+}
+
+std::optional<int> mgrsPolarNorthingIndex(bool north, QChar letter)
+{
+    const std::optional<int> i = letterIndex(letter);
+    if (!i || *i >= kPolarRowCount[north])
+        return std::nullopt;
+    return int(*i + kPolarFirstRow[north]);
 }
 
 } // namespace Geodesy

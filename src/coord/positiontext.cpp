@@ -1,7 +1,6 @@
 #include "coord/positiontext.h"
 
 #include "coord/positiontext_p.h"
-#include "coord/swedishgrids.h"
 
 #include <cmath>
 #include <cstdint>
@@ -169,21 +168,21 @@ void putTruncatedDigits(TextBuffer& out, double metres, int digits)
 
 QString formatUtm(double lat, double lon, int precision)
 {
-    const UtmPoint p = utmFromGeographic(lat, lon);
+    const Geodesy::UtmPoint p = utmFromGeographic(lat, lon);
     TextBuffer out;
     if (p.zone > 0)
         out.putInteger(p.zone, 2);
     out.put(p.band);
     out.put(' ');
-    out.putFixed(p.easting, precision);
+    out.putFixed(p.grid.easting, precision);
     out.put(' ');
-    out.putFixed(p.northing, precision);
+    out.putFixed(p.grid.northing, precision);
     return out.text();
 }
 
 QString formatMgrs(double lat, double lon, int digits)
 {
-    const UtmPoint p = utmFromGeographic(lat, lon);
+    const Geodesy::UtmPoint p = utmFromGeographic(lat, lon);
     char column, row;
     mgrsSquare(p, column, row);
     TextBuffer out;
@@ -193,8 +192,8 @@ QString formatMgrs(double lat, double lon, int digits)
     out.put(column);
     out.put(row);
     if (digits > 0) {
-        putTruncatedDigits(out, p.easting, digits);
-        putTruncatedDigits(out, p.northing, digits);
+        putTruncatedDigits(out, p.grid.easting, digits);
+        putTruncatedDigits(out, p.grid.northing, digits);
     }
     return out.text();
 }
@@ -212,17 +211,18 @@ QString formatSwedish(double lat, double lon, bool rt90, int precision, QString*
                         .arg(QLatin1String(gridName)));
         return QString();
     }
-    double x, y;
-    if (!(rt90 ? rt90Projection() : swerefProjection()).geodeticToGrid(lat, lon, x, y)) {
+    const std::optional<Geodesy::GridPoint> grid =
+        Geodesy::tmForward(rt90 ? rt90Grid() : swerefGrid(), {lat, lon});
+    if (!grid) {
         fail(error, QStringLiteral("%1 has no grid values here").arg(QLatin1String(gridName)));
         return QString();
     }
     TextBuffer out;
     out.put(rt90 ? 'X' : 'N');
-    out.putFixed(x, precision);
+    out.putFixed(grid->northing, precision);
     out.put(' ');
     out.put(rt90 ? 'Y' : 'E');
-    out.putFixed(y, precision);
+    out.putFixed(grid->easting, precision);
     return out.text();
 }
 
@@ -269,9 +269,9 @@ QString formatMaidenhead(double lat, double lon, int pairs)
 
 QString formatNational(double lat, double lon, NationalGrid grid, int digits, QString* error)
 {
-    double e, n;
+    const std::optional<Geodesy::GridPoint> point = nationalGridFromWgs84(grid, {lat, lon});
     char letters[2];
-    if (!nationalGridFromWgs84(grid, lat, lon, e, n) || !nationalGridLetters(grid, e, n, letters)) {
+    if (!point || !nationalGridLetters(grid, *point, letters)) {
         fail(error, grid == NationalGrid::British
                         ? QStringLiteral("the position lies outside the lettered squares of the British grid")
                         : QStringLiteral("the position lies outside the lettered squares of the Irish grid"));
@@ -282,9 +282,9 @@ QString formatNational(double lat, double lon, NationalGrid grid, int digits, QS
     if (grid == NationalGrid::British)
         out.put(letters[1]);
     out.put(' ');
-    putTruncatedDigits(out, e, digits);
+    putTruncatedDigits(out, point->easting, digits);
     out.put(' ');
-    putTruncatedDigits(out, n, digits);
+    putTruncatedDigits(out, point->northing, digits);
     return out.text();
 }
 

@@ -1,7 +1,6 @@
 #include "coord/positiontext.h"
 
 #include "coord/positiontext_p.h"
-#include "coord/swedishgrids.h"
 
 #include <QLocale>
 
@@ -367,11 +366,10 @@ UtmDesignator designator(const QString& text, const Token& w, bool ups)
         }
         return d;
     }
-    double south, north;
-    if (bandLimits(c, south, north)) {
+    if (Geodesy::bandRange(QLatin1Char(c))) {
         d.ok = true;
         d.band = c;
-        d.north = c >= 'N';
+        d.north = isNorthern(c);
     }
     return d;
 }
@@ -464,34 +462,28 @@ Outcome parseUtm(const QString& text, const Tokens& tokens, bool given)
                                .arg(wordText(text, *e)),
                            letter->pos);
     }
-    double lat, lon;
-    utmToGeographic(zone, d.north, e->value, n->value, lat, lon);
-    if (!std::isfinite(lat) || !std::isfinite(lon))
+    const Geodesy::GeoPoint p = utmToGeographic(zone, d.north, {e->value, n->value});
+    if (!std::isfinite(p.lat) || !std::isfinite(p.lon))
         return failure(QStringLiteral("UTM: no position for these values"), e->pos);
     if (d.band && zone > 0) {
-        double south, north;
-        bandLimits(d.band, south, north);
+        const Geodesy::BandRange band = *Geodesy::bandRange(QLatin1Char(d.band));
         // A rounded northing may put a point on the band's edge a unit beyond it.
         const double tolerance = unit / 100000.0 + 1e-9;
-        if (lat < south - tolerance || lat > north + tolerance)
+        if (p.lat < band.south - tolerance || p.lat > band.north + tolerance)
             return failure(QStringLiteral("UTM: band %1 (%2 to %3 degrees) contradicts the northing %4 "
                                           "(latitude %5)")
                                .arg(QLatin1Char(d.band))
-                               .arg(south)
-                               .arg(north)
+                               .arg(band.south)
+                               .arg(band.north)
                                .arg(wordText(text, *n))
-                               .arg(lat, 0, 'f', 4),
+                               .arg(p.lat, 0, 'f', 4),
                            letter->pos);
     }
-    return success(lat, lon, Notation::UTM);
+    return success(p.lat, p.lon, Notation::UTM);
 }
 
 // ---------------------------------------------------------------------------------------
 // MGRS.
-
-constexpr char kBandLetters[] = "CDEFGHJKLMNPQRSTUVWX";
-constexpr char kAlphabet24[] = "ABCDEFGHJKLMNPQRSTUVWXYZ";
-constexpr char kUpsColumnLetters[] = "ABCFGHJKLPQRSTUXYZ";
 
 int indexIn(const char* letters, char c)
 {
@@ -503,8 +495,8 @@ int indexIn(const char* letters, char c)
 
 // Northing range (false northing included in the south) that a latitude band covers
 // within a zone: its near edge on the meridian, its far edge at the zone's side, where
-// the parallels curve away from the equator. Built once for the standard zones and
-// for those of Norway and Svalbard that reach 6 degrees from their meridian.
+// the parallels curve away from the equator. Built once for the standard zones and for
+// those of Norway and Svalbard that reach 6 degrees from their meridian.
 struct BandSpan
 {
     double low;
@@ -515,18 +507,19 @@ BandSpan bandSpan(int zone, char band)
 {
     struct Table
     {
-        BandSpan span[2][20];
+        BandSpan span[2][Geodesy::kBandCount];
         Table()
         {
             for (int wide = 0; wide < 2; ++wide) {
-                for (int b = 0; b < 20; ++b) {
-                    double south, north, e, nearEdge, farEdge;
-                    bandLimits(kBandLetters[b], south, north);
-                    const bool northern = south >= 0.0;
+                for (int b = 0; b < Geodesy::kBandCount; ++b) {
+                    const Geodesy::BandRange r = *Geodesy::bandRange(QLatin1Char(Geodesy::kLetters[2 + b]));
+                    const bool northern = r.south >= 0.0;
                     const double side = wide ? 6.0 : 3.0;
                     // Zone 31: meridian 3 degrees east.
-                    utmForwardInZone(31, northern, northern ? south : north, 3.0, e, nearEdge);
-                    utmForwardInZone(31, northern, northern ? north : south, 3.0 + side, e, farEdge);
+                    const double nearEdge =
+                        utmInZone(31, northern, northern ? r.south : r.north, 3.0).northing;
+                    const double farEdge =
+                        utmInZone(31, northern, northern ? r.north : r.south, 3.0 + side).northing;
                     span[wide][b] = northern ? BandSpan{nearEdge, farEdge} : BandSpan{farEdge, nearEdge};
                 }
             }
@@ -534,7 +527,7 @@ BandSpan bandSpan(int zone, char band)
     };
     static const Table table;
     const bool wide = (band == 'V' && zone == 32) || band == 'X';
-    return table.span[wide ? 1 : 0][indexIn(kBandLetters, band)];
+    return table.span[wide ? 1 : 0][*Geodesy::bandIndex(QLatin1Char(band))];
 }
 
 Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
@@ -574,34 +567,27 @@ Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
 
     if (zone == 0 && i == 0) {
         // Polar areas: A and B in the south, Y and Z in the north, each half of its cap.
-        const bool north = band == 'Y' || band == 'Z';
-        const bool east = band == 'B' || band == 'Z';
-        const int ci = indexIn(kUpsColumnLetters, column);
-        const int col = ci < 0 ? -1 : (east ? ci + 20 : ci + 2);
-        const int firstCol = north ? (east ? 20 : 13) : (east ? 20 : 8);
-        const int lastCol = north ? (east ? 26 : 19) : (east ? 31 : 19);
-        if (col < firstCol || col > lastCol)
+        const bool north = isNorthern(band);
+        const std::optional<int> col = Geodesy::mgrsPolarEastingIndex(band, QLatin1Char(column));
+        if (!col)
             return failure(QStringLiteral("MGRS: column letter %1 is not used in polar area %2")
                                .arg(QLatin1Char(column))
                                .arg(QLatin1Char(band)),
                            c.pos[b + 1]);
-        const int ri = indexIn(kAlphabet24, row);
-        const int rowCount = north ? 14 : 24;
-        if (ri < 0 || ri >= rowCount)
+        const std::optional<int> rowIndex = Geodesy::mgrsPolarNorthingIndex(north, QLatin1Char(row));
+        if (!rowIndex)
             return failure(QStringLiteral("MGRS: row letter %1 is not used in polar area %2")
                                .arg(QLatin1Char(row))
                                .arg(QLatin1Char(band)),
                            c.pos[b + 2]);
-        const double e = col * 100000.0 + offsetE;
-        const double n = (ri + (north ? 13 : 8)) * 100000.0 + offsetN;
-        double lat, lon;
-        utmToGeographic(0, north, e, n, lat, lon);
-        return success(lat, lon, Notation::MGRS);
+        const Geodesy::GeoPoint p =
+            utmToGeographic(0, north, {*col * 100000.0 + offsetE, *rowIndex * 100000.0 + offsetN});
+        return success(p.lat, p.lon, Notation::MGRS);
     }
 
     if (zone < 1 || zone > 60)
         return failure(QStringLiteral("MGRS: zone %1 is not between 1 and 60").arg(zone), c.pos[0]);
-    if (indexIn(kBandLetters, band) < 0)
+    if (!Geodesy::bandIndex(QLatin1Char(band)))
         return failure(
             QStringLiteral("MGRS: %1 is not a latitude band (C to X without I and O)").arg(QLatin1Char(band)),
             c.pos[b]);
@@ -609,25 +595,23 @@ Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
         return failure(
             QStringLiteral("MGRS: zone %1X does not exist (Svalbard has 31X, 33X, 35X and 37X)").arg(zone),
             c.pos[0]);
-    const int set = (zone - 1) % 3;
-    const int ci = indexIn(kAlphabet24, column);
-    if (ci < set * 8 || ci >= set * 8 + 8)
+    const std::optional<int> digit = Geodesy::mgrsEastingDigit(zone, QLatin1Char(column));
+    if (!digit)
         return failure(QStringLiteral("MGRS: column letter %1 is not used in zone %2 (%3 to %4)")
                            .arg(QLatin1Char(column))
                            .arg(zone)
-                           .arg(QLatin1Char(kAlphabet24[set * 8]))
-                           .arg(QLatin1Char(kAlphabet24[set * 8 + 7])),
+                           .arg(QLatin1Char(*Geodesy::mgrsColumnLetter(zone, 1)))
+                           .arg(QLatin1Char(*Geodesy::mgrsColumnLetter(zone, 8))),
                        c.pos[b + 1]);
-    const int ri = indexIn(kAlphabet24, row);
-    if (ri < 0 || ri >= 20)
+    const std::optional<int> rowInCycle = Geodesy::mgrsNorthingIndex(zone, QLatin1Char(row), false);
+    if (!rowInCycle)
         return failure(QStringLiteral("MGRS: row letter %1 does not exist (A to V without I and O)")
                            .arg(QLatin1Char(row)),
                        c.pos[b + 2]);
-    const int rowInCycle = (ri - (zone % 2 == 0 ? 5 : 0) + 20) % 20;
     const BandSpan span = bandSpan(zone, band);
     double northing = -1.0;
     for (int cycle = 0; cycle < 5; ++cycle) {
-        const double bottom = (rowInCycle + 20.0 * cycle) * 100000.0;
+        const double bottom = (*rowInCycle + 20.0 * cycle) * 100000.0;
         if (bottom < span.high && bottom + 100000.0 > span.low) {
             northing = bottom + offsetN;
             break;
@@ -640,10 +624,9 @@ Outcome parseMgrs(const QString& text, const Tokens& tokens, bool given)
                            .arg(zone)
                            .arg(QLatin1Char(band)),
                        c.pos[b + 1]);
-    const double easting = (ci - set * 8 + 1) * 100000.0 + offsetE;
-    double lat, lon;
-    utmToGeographic(zone, band >= 'N', easting, northing, lat, lon);
-    return success(lat, lon, Notation::MGRS);
+    const Geodesy::GeoPoint p =
+        utmToGeographic(zone, isNorthern(band), {*digit * 100000.0 + offsetE, northing});
+    return success(p.lat, p.lon, Notation::MGRS);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -670,32 +653,29 @@ Outcome parseNational(const QString& text, const Tokens& tokens, NationalGrid gr
     int problemPos = 0;
     if (!referenceDigits(c, letters, 5, digits, de, dn, problem, problemPos))
         return failure(gridName + QStringLiteral(": ") + problem, problemPos);
-    // Squares of the 5 x 5 lettering, A at the north-west corner.
-    static const char lettering[] = "ABCDEFGHJKLMNOPQRSTUVWXYZ";
     double squareE = 0.0, squareN = 0.0;
-    for (int k = 0; k < letters; ++k) {
-        const int index = indexIn(lettering, c.c[k]);
-        if (index < 0)
-            return failure(gridName + QStringLiteral(": there is no square %1").arg(QLatin1Char(c.c[k])),
-                           c.pos[k]);
-        const double size = (british && k == 0) ? 500000.0 : 100000.0;
-        squareE += (index % 5) * size;
-        squareN += (4 - index / 5) * size;
-    }
     if (british) {
-        // The false origin lies at the south-west corner of S, the third letter of the fourth row.
-        squareE -= 1000000.0;
-        squareN -= 500000.0;
+        const std::optional<Geodesy::SquareIndex> first =
+            Geodesy::britishFirstLetterSquare(QLatin1Char(c.c[0]));
+        if (!first)
+            return failure(QStringLiteral("British grid: there is no 500 km square %1 (H, J, N, O, S, T)")
+                               .arg(QLatin1Char(c.c[0])),
+                           c.pos[0]);
+        squareE = first->east * 500000.0;
+        squareN = first->north * 500000.0;
     }
-    const double e = squareE + squareOffset(de, digits), n = squareN + squareOffset(dn, digits);
-    char check[2];
-    if (!nationalGridLetters(grid, e, n, check))
-        return failure(gridName + QStringLiteral(": square %1 lies outside the grid")
-                                      .arg(text.mid(c.pos[0], c.pos[letters - 1] - c.pos[0] + 1)),
-                       c.pos[0]);
-    double lat, lon;
-    if (!nationalGridToWgs84(grid, e, n, lat, lon))
+    const std::optional<Geodesy::SquareIndex> square =
+        Geodesy::squareLetterIndex(QLatin1Char(c.c[letters - 1]));
+    if (!square)
+        return failure(gridName +
+                           QStringLiteral(": there is no square %1").arg(QLatin1Char(c.c[letters - 1])),
+                       c.pos[letters - 1]);
+    const Geodesy::GridPoint point{squareE + square->east * 100000.0 + squareOffset(de, digits),
+                                   squareN + square->north * 100000.0 + squareOffset(dn, digits)};
+    const std::optional<Geodesy::GeoPoint> p = nationalGridToWgs84(grid, point);
+    if (!p)
         return failure(gridName + QStringLiteral(": no position for this reference"), c.pos[0]);
+    const double lat = p->lat, lon = p->lon;
     return success(lat, lon, british ? Notation::BritishGrid : Notation::IrishGrid);
 }
 
@@ -772,10 +752,10 @@ Outcome parseSwedish(const QString& text, const Tokens& tokens, bool rt90, bool 
         return Outcome();
     const Token* x = (!lettered || inOrder) ? value[0] : value[1];
     const Token* y = x == value[0] ? value[1] : value[0];
-    double lat = 0.0, lon = 0.0;
-    const GaussKrugerProjection& projection = rt90 ? rt90Projection() : swerefProjection();
-    if (!projection.gridToGeodetic(x->value, y->value, lat, lon) || lat < kSwedishMinLat ||
-        lat > kSwedishMaxLat || lon < kSwedishMinLon || lon > kSwedishMaxLon)
+    const std::optional<Geodesy::GeoPoint> p =
+        Geodesy::tmInverse(rt90 ? rt90Grid() : swerefGrid(), {y->value, x->value});
+    const double lat = p ? p->lat : 0.0, lon = p ? p->lon : 0.0;
+    if (!p || lat < kSwedishMinLat || lat > kSwedishMaxLat || lon < kSwedishMinLon || lon > kSwedishMaxLon)
         return failure(gridName + QStringLiteral(": %1 %2 lies outside the area read (50 to 75 degrees "
                                                  "north, 0 to 35 degrees east)")
                                       .arg(wordText(text, *x), wordText(text, *y)),
