@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.25)
 # Lines that are hard on a reader: a byte-order mark and CRLF, a line longer than
 # the input buffer, bytes that are not UTF-8, and a last line without a break.
 string(REPEAT "9" 1100000 long)

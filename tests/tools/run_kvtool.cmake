@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.25)
 # Runs kvtool once (or two kvtools joined by a pipe) and checks what it did.
 #   KVTOOL      the program
 #   ARGS        its arguments, separated by "|"
