@@ -109,7 +109,7 @@ QJsonValue claimValue(const QString& text)
         QStringLiteral("^-?(0|[1-9][0-9]*)(\\.[0-9]+)?([eE][-+]?[0-9]+)?$"));
     if (text == QLatin1String("true") || text == QLatin1String("false"))
         return text == QLatin1String("true");
-    if (number.match(text).hasMatch())
+    if (number.match(text).hasMatch() && qIsFinite(text.toDouble()))
         return text.toDouble();
     return text;
 }
@@ -231,7 +231,9 @@ int decode(const QStringList& arguments)
     // A verifier that accepts nothing still parses the token with the
     // library's strict rules and hands back what it read.
     const jsonWebToken::Verifier::Result result = jsonWebToken::Verifier().verify(token);
-    if (result.header.isEmpty() && result.error == jsonWebToken::VerificationError::Unknown) {
+    // Unknown is the verifier's answer for text it cannot parse; every later
+    // check has its own code.
+    if (result.error == jsonWebToken::VerificationError::Unknown) {
         Cli::err(QStringLiteral("kvtool jwt decode: not a token: %1\n").arg(result.message));
         return Cli::Failure;
     }
