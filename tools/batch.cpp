@@ -314,7 +314,8 @@ int run(const Options& options, const LineConverter& converter)
     const QByteArray source = fromFile ? options.inputPath.toUtf8() : QByteArrayLiteral("<stdin>");
 
     struct stat info;
-    const bool knownSize = fromFile && ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
+    // A regular file has a size to measure progress by, also as "< file".
+    const bool knownSize = ::fstat(fd, &info) == 0 && S_ISREG(info.st_mode);
     std::unique_ptr<Progress> progress;
     if (knownSize && ::isatty(STDERR_FILENO))
         progress = std::make_unique<Progress>(qint64(info.st_size));
