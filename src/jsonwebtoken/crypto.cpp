@@ -10,6 +10,7 @@
 #include <openssl/rsa.h>
 
 #include <array>
+#include <atomic>
 
 namespace jsonWebToken {
 namespace Crypto {
@@ -63,6 +64,24 @@ EVP_MAC_CTX* newHmac(Hash hash, const QByteArray& key)
     }
     return context;
 }
+
+// Each thread keeps the context it last used per hash. Starting the next MAC
+// of the same key then only copies the prepared pads inside it, where a fresh
+// copy of the key's context costs a dozen allocations. The contexts go with
+// the thread, or when the thread turns to another key.
+std::atomic<quint64> nextHmacKeyId{1};
+
+struct ThreadHmacContexts
+{
+    quint64 owner[3] = {};
+    EVP_MAC_CTX* context[3] = {};
+    ~ThreadHmacContexts()
+    {
+        for (EVP_MAC_CTX* c : context)
+            EVP_MAC_CTX_free(c);
+    }
+};
+thread_local ThreadHmacContexts threadHmac;
 
 bool finishHmac(EVP_MAC_CTX* context, unsigned char* out)
 {
@@ -189,7 +208,7 @@ QByteArray hmac(Hash hash, const QByteArray& key, std::initializer_list<QByteArr
     return QByteArray(reinterpret_cast<const char*>(out), hashSize(hash));
 }
 
-HmacKey::HmacKey(const QByteArray& secret) : m_secret(secret)
+HmacKey::HmacKey(const QByteArray& secret) : m_secret(secret), m_id(nextHmacKeyId++)
 {
     initialise();
 }
@@ -204,10 +223,22 @@ bool HmacKey::mac(Hash hash, const char* data, int size, unsigned char* out) con
 {
     const int index = static_cast<int>(hash);
     std::call_once(m_once[index], [&] { m_prepared[index] = newHmac(hash, m_secret); });
-    EVP_MAC_CTX* context = m_prepared[index] ? EVP_MAC_CTX_dup(m_prepared[index]) : nullptr;
-    const bool ok = context && EVP_MAC_update(context, bytes(data), static_cast<size_t>(size)) == 1 &&
-                    finishHmac(context, out);
-    EVP_MAC_CTX_free(context);
+    if (!m_prepared[index])
+        return false;
+    ThreadHmacContexts& cache = threadHmac;
+    EVP_MAC_CTX*& context = cache.context[index];
+    bool ok;
+    if (cache.owner[index] == m_id) {
+        // A null key restarts from the pads of the key already set.
+        ok = EVP_MAC_init(context, nullptr, 0, nullptr) == 1;
+    } else {
+        EVP_MAC_CTX_free(context);
+        context = EVP_MAC_CTX_dup(m_prepared[index]);
+        ok = context != nullptr;
+    }
+    ok = ok && EVP_MAC_update(context, bytes(data), static_cast<size_t>(size)) == 1 &&
+         finishHmac(context, out);
+    cache.owner[index] = ok ? m_id : 0;
     if (!ok)
         clearErrors();
     return ok;

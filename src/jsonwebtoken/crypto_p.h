@@ -34,7 +34,7 @@ constexpr int maxHashSize = 64;
 QByteArray hmac(Hash hash, const QByteArray& key, std::initializer_list<QByteArray> parts);
 
 /// An HMAC key whose inner and outer pads are computed once per hash and then
-/// copied for each message. Thread-safe.
+/// reused for each message. Thread-safe.
 class HmacKey
 {
 public:
@@ -50,6 +50,7 @@ public:
 
 private:
     QByteArray m_secret;
+    const quint64 m_id; // unique for the process, unlike the address
     mutable std::once_flag m_once[3];
     mutable EVP_MAC_CTX* m_prepared[3] = {};
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace jsonWebToken {
 
@@ -50,27 +51,27 @@ int topLevelMembers(const QByteArray& json)
     int count = 0;
     const char* p = json.constData();
     const char* const end = p + json.size();
-    for (; p < end; ++p) {
-        switch (*p) {
-        case '"':
-            for (++p; p < end && *p != '"'; ++p) {
-                if (*p == '\\')
-                    ++p;
+    while (p < end) {
+        const char c = *p++;
+        if (c == '"') {
+            const char* const start = p;
+            for (;;) {
+                const auto* quote = static_cast<const char*>(std::memchr(p, '"', size_t(end - p)));
+                if (!quote)
+                    return count;
+                const char* escapes = quote;
+                while (escapes > start && escapes[-1] == '\\')
+                    --escapes;
+                p = quote + 1;
+                if ((quote - escapes) % 2 == 0)
+                    break;
             }
-            break;
-        case '{':
-        case '[':
+        } else if (c == '{' || c == '[') {
             ++depth;
-            break;
-        case '}':
-        case ']':
+        } else if (c == '}' || c == ']') {
             --depth;
-            break;
-        case ':':
+        } else if (c == ':') {
             count += depth == 1;
-            break;
-        default:
-            break;
         }
     }
     return count;
@@ -240,7 +241,23 @@ Verifier::Result Verifier::verify(const QByteArray& compactToken, const QDateTim
         return fail(result, VerificationError::Unknown,
                     QStringLiteral("a compact JWS has three segments separated by \".\"; this text has %1")
                         .arg(compactToken.count('.') + 1));
-    QByteArray headerJson, payloadJson, signature;
+    // Decoded into buffers of the thread, which keep their capacity: the JSON
+    // parser copies what it keeps, and the signature is done with here.
+    thread_local QByteArray buffers[3];
+    QByteArray& headerJson = buffers[0];
+    QByteArray& payloadJson = buffers[1];
+    QByteArray& signature = buffers[2];
+    struct Trim // an odd huge token should not pin its memory to the thread
+    {
+        QByteArray* buffers;
+        ~Trim()
+        {
+            for (int i = 0; i < 3; ++i) {
+                if (buffers[i].capacity() > 65536)
+                    buffers[i] = QByteArray();
+            }
+        }
+    } trim{buffers};
     const struct
     {
         int from, to;

@@ -251,6 +251,18 @@ void TestJws::signing()
         QCOMPARE(result.header[QLatin1String("kid")].toString(), QStringLiteral("k-1"));
         QCOMPARE(result.header[QLatin1String("typ")].toString(), QStringLiteral("JWT"));
     }
+    // The payload is written as Qt's own JSON writer would write it.
+    const QJsonObject awkward{
+        {QStringLiteral("s"),
+         QStringLiteral("\"\\/\b\f\n\r\t\x01\x1f ö € 😀 \u2028") + QChar(0xd800) + QChar(0xdc00)},
+        {QStringLiteral("n"), QJsonArray{-12.5, 1e300, -1700000000.0, 0.0, 9007199254740993.0, 1e-7}},
+        {QStringLiteral("v"), QJsonArray{true, false, QJsonValue(), QJsonObject{}, QJsonArray{}}}};
+    const QByteArray payload =
+        sign(awkward, JwsAlgorithm::HS256, key(QLatin1String("hs256"), QLatin1String("secret")))
+            .split('.')
+            .at(1);
+    QCOMPARE(QByteArray::fromBase64(payload, QByteArray::Base64UrlEncoding),
+             QJsonDocument(awkward).toJson(QJsonDocument::Compact));
     QCOMPARE(sign(claims, JwsAlgorithm::None, Key::hmacSecret({})).count('.'), 2);
     QVERIFY(sign(claims, JwsAlgorithm::None, Key::hmacSecret({})).endsWith('.'));
     const struct

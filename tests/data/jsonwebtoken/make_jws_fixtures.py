@@ -349,8 +349,9 @@ def make_tokens(keys, secrets):
         "header has the member \"alg\" more than once")
     bad("a name twice in the payload, once escaped", hs_token(b'{"alg":"HS256"}', b'{"sub":"a","s\\u0075b":"b"}'),
         "Unknown", "payload has the member \"sub\" more than once")
-    rows.append(row("a repeated name in nested objects is not a duplicate",
-                    hs_token(b'{"alg":"HS256"}', b'{"a":{"x":1},"b":{"x":[{"x":2}]},"c":"}:{"}'), hs_allow))
+    nested = b'{"a":{"x":1},"b":{"x":[{"x":2}]},"c":"}:{","d":"x\\\\","e":"\\":{\\""}'
+    rows.append(row("names in nested objects and strings are no duplicates",
+                    hs_token(b'{"alg":"HS256"}', nested), hs_allow))
     rows.append(row("a header spaced and ordered as its sender liked",
                     hs_token(b'{ "typ" : "JWT",\r\n  "alg" : "HS256" }', b'{"sub":"x", "exp":1700000060}'),
                     hs_allow))
