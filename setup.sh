@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine (as root) and builds KvBase.
-#   ./setup.sh run     build and run the main program
+#   ./setup.sh run     build and start kvtool (further arguments go to it)
 #   ./setup.sh test    build and run every test through CTest
 #   ./setup.sh bench   build and run the benchmarks (with the peer libraries)
 set -euo pipefail
@@ -16,7 +16,7 @@ case "$mode" in
     run) ;;
     test) packages+=(python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
@@ -41,11 +41,12 @@ cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo "${cmake_args[@]}"
 cmake --build "$build_dir" --parallel "$(nproc)"
 
 case "$mode" in
-    run) "$build_dir/examples/kvbase_demo" "$@" ;;
+    run) "$build_dir/tools/kvtool" "$@" ;;
     test) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
     bench)
         for b in "$build_dir"/bench/bench_*; do
             if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
         done
+        bench/bench_kvtool.sh "$build_dir/tools/kvtool"
         ;;
 esac
