@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine (as root) and builds KvBase.
-#   ./setup.sh run     build and run the main program
+#   ./setup.sh run     build and start kvtool (further arguments go to it)
 #   ./setup.sh test    build and run every test through CTest
 #   ./setup.sh bench   build and run the benchmarks (with the peer libraries) and print
 #                      the table of medians and ratios, also written into README.md
@@ -17,7 +17,7 @@ case "$mode" in
     run) ;;
     test) packages+=(python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config python3)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin python3)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
@@ -42,10 +42,12 @@ cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo "${cmake_args[@]}"
 cmake --build "$build_dir" --parallel "$(nproc)"
 
 case "$mode" in
-    run) "$build_dir/examples/kvbase_demo" "$@" ;;
+    run) "$build_dir/tools/kvtool" "$@" ;;
     test) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
     bench)
-        # One table of medians with ratios to the peers, also written into README.md.
+        # One table of medians with ratios to the peers, also written into README.md;
+        # then kvtool's batch run against GeoConvert and cs2cs.
         python3 bench/bench_table.py --build-dir "$build_dir" --readme README.md "$@"
+        bench/bench_kvtool.sh "$build_dir/tools/kvtool"
         ;;
 esac

@@ -52,7 +52,10 @@ def run_program(path, repetitions, min_time, bench_filter):
         args.append(f"--benchmark_filter={bench_filter}")
     print(f"running {os.path.basename(path)} ...", file=sys.stderr, flush=True)
     out = subprocess.run(args, check=True, stdout=subprocess.PIPE, text=True).stdout
-    return json.loads(out).get("benchmarks", [])
+    try:
+        return json.loads(out).get("benchmarks", [])
+    except json.JSONDecodeError:  # the filter matched nothing in this program
+        return []
 
 
 def seconds_per_unit(unit):
