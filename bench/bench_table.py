@@ -8,6 +8,9 @@ Naming convention (Google Benchmark names):
                              same program; <Peer> is its name as the table shows it
                              ("PROJ", "PROJ generic", "libjwt", ...)
 
+<operation> contains no "/"; arguments that Google Benchmark appends ("/3" of a
+DenseRange) belong to the operation.
+
 Every BM_<operation>/<Peer> gives one row "KvBase median / peer median"; an operation
 with no peer gives a row with the KvBase median alone. The operation column is the label
 of the KvBase benchmark (state.SetLabel) or else <operation>. Benchmarks whose names do
@@ -101,11 +104,12 @@ def rows_of(medians):
     ops = {}
     loose = []
     for name, run in medians.items():
-        m = re.match(r"^BM_(.+)/([^/]+)$", name)
+        m = re.match(r"^BM_([^/]+)/([^/]+)(/.*)?$", name)
         if not m:
             loose.append((name, run))
             continue
-        op, impl = m.groups()
+        op, impl, args = m.groups()
+        op += args or ""
         ops.setdefault(op, {})[impl] = run
     for op, impls in ops.items():
         ours = impls.get(KVBASE)
