@@ -410,15 +410,19 @@ constexpr double kArcShortcutAngle = 2.5;
 constexpr double kArc2Bound = 27.1 * RoundingCheck::kU;
 constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
 
-// meridionalArc from the library's sines and cosines of dp = phi - phi0 and sp = phi +
-// phi0, which the callers have at hand: the first two terms are then the plain ones, and
-// the terms of the doubled and tripled angles, whose coefficients n^2 and n^3 make them
-// small, come from identities. False (arc untouched) where the sums might round apart.
+// meridionalArc from sines and cosines of dp = phi - phi0 and sp = phi + phi0 that are
+// the library's or within trigError (absolute) of them: the terms of the doubled and
+// tripled angles, whose coefficients n^2 and n^3 make them small, come from identities,
+// and so does the first term's product where the sines are not the library's. False
+// (arc untouched) where the sums might round apart from the plain formula's.
 bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
-                           double sinSp, double cosSp, double& arc)
+                           double sinSp, double cosSp, double trigError, double& arc)
 {
+    using RoundingCheck::productBound;
     using RoundingCheck::sumRoundsAlike;
-    const double sum1 = s.arc[0] * dp - s.arc[1] * sinDp * cosSp;
+    const double term0 = s.arc[0] * dp;
+    const double term1 = s.arc[1] * sinDp * cosSp;
+    const double sum1 = term0 - term1;
     const double sin2Dp = 2.0 * sinDp * cosDp;
     const double cos2Dp = (cosDp - sinDp) * (cosDp + sinDp);
     const double sin2Sp = 2.0 * sinSp * cosSp;
@@ -429,30 +433,48 @@ bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, dou
     const double term3 = s.arc[3] * sin3Dp * cos3Sp;
     const double sum2 = sum1 + term2;
     const double sum3 = sum2 - term3;
-    if (!sumRoundsAlike(sum1, term2, sum2, s.arc2Bound * std::fabs(sin2Dp)) ||
-        !sumRoundsAlike(sum2, -term3, sum3, s.arc3Bound))
+    if ((trigError > 0.0 &&
+         !sumRoundsAlike(term0, -term1, sum1, productBound(s.arc[1], sinDp, trigError, cosSp, trigError))) ||
+        !sumRoundsAlike(sum1, term2, sum2, s.arc2Bound * std::fabs(sin2Dp) + s.arc2TrigBound * trigError) ||
+        !sumRoundsAlike(sum2, -term3, sum3, s.arc3Bound + s.arc3TrigBound * trigError))
         return false;
     arc = r.bF0 * sum3;
     return true;
 }
 
-// meridionalArc at phi; where phi0 is 0, sinPhi and cosPhi are the library's sine and
-// cosine of phi, which the callers need anyway.
+// Bound on the sines and cosines of dp and sp from those of phi and of the latitude of
+// origin by the sum formulas against the library's: each product within 2g + u of its
+// exact value, their sum within 1.42 (2g + u) + u, the library's own error g, and the
+// rounding of dp and sp themselves (at most u times 2.5), in all below 16 u.
+constexpr double kSumFormulaError = 16.0 * RoundingCheck::kU;
+
+// meridionalArc at phi. Where s.fromPhi, sinPhi and cosPhi are the library's sine and
+// cosine of phi, which the callers need anyway, and the angles' come from them; else
+// they are not used, and the library gives those of dp and sp.
 double meridionalArc(const OsGridRow& r, const OsSeries& s, double phi, double sinPhi, double cosPhi)
 {
     double arc;
     if (r.phi0 == 0.0) {
         // phi - 0 is phi, and phi + 0 differs from it at most in the sign of a zero.
         if (std::fabs(phi) <= kArcShortcutAngle &&
-            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, arc))
+            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, 0.0, arc))
             return arc;
-    } else {
-        const double dp = phi - r.phi0;
-        const double sp = phi + r.phi0;
-        if (std::fabs(dp) <= kArcShortcutAngle && std::fabs(sp) <= kArcShortcutAngle &&
-            meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), arc))
+        return meridionalArc(r, s.n, phi);
+    }
+    const double dp = phi - r.phi0;
+    const double sp = phi + r.phi0;
+    if (std::fabs(dp) > kArcShortcutAngle || std::fabs(sp) > kArcShortcutAngle)
+        return meridionalArc(r, s.n, phi);
+    if (s.fromPhi) {
+        const double sinDp = sinPhi * s.cosPhi0 - cosPhi * s.sinPhi0;
+        const double cosDp = cosPhi * s.cosPhi0 + sinPhi * s.sinPhi0;
+        const double sinSp = sinPhi * s.cosPhi0 + cosPhi * s.sinPhi0;
+        const double cosSp = cosPhi * s.cosPhi0 - sinPhi * s.sinPhi0;
+        if (meridionalArcShortcut(r, s, dp, sinDp, cosDp, sinSp, cosSp, kSumFormulaError, arc))
             return arc;
     }
+    if (meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), 0.0, arc))
+        return arc;
     return meridionalArc(r, s.n, phi);
 }
 
@@ -478,6 +500,16 @@ OsSeries::OsSeries(const OsGridRow& r)
     arc[3] = 35.0 / 24.0 * n3;
     arc2Bound = kArc2Bound * std::fabs(arc[2]);
     arc3Bound = kArc3Bound * std::fabs(arc[3]);
+    // Sines and cosines off by d change 2 sin cos and cos^2 - sin^2 by at most 2.83 d,
+    // the threefold angle's by 7.7 d: per d, at most 6 |arc2| and 16 |arc3|.
+    arc2TrigBound = 6.0 * std::fabs(arc[2]);
+    arc3TrigBound = 16.0 * std::fabs(arc[3]);
+    sinPhi0 = std::sin(r.phi0);
+    cosPhi0 = std::cos(r.phi0);
+    // Near a latitude of origin far from the equator (British, Irish, Hong Kong grids)
+    // dp is small and the sum formulas lose too much of it to prove the arc's first
+    // term; the RT90 grids' origin of 0.19 degrees loses next to nothing.
+    fromPhi = std::fabs(sinPhi0) < 0.01;
     // M'(phi) = bF0 (arc0 - arc1 cos 2phi + 2 arc2 cos 4phi - 3 arc3 cos 6phi) whatever
     // phi0 is; by the mean value theorem the next residual is the last one times
     // 1 - M'/aF0 somewhere, plus rounding.
@@ -536,13 +568,13 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const
     double cosPhi = 0.0;
     bool trigOfPhi = false; // sinPhi and cosPhi belong to the final phi
     for (int step = 0; step < kMaxSteps && !settled; ++step) {
-        if (r.phi0 == 0.0) {
+        if (s.fromPhi) {
             sinPhi = std::sin(phi);
             cosPhi = std::cos(phi);
         }
         const double residual = dn - meridionalArc(r, s, phi, sinPhi, cosPhi);
         settled = std::fabs(residual) < kSettled;
-        trigOfPhi = r.phi0 == 0.0;
+        trigOfPhi = s.fromPhi;
         if (!settled) {
             phi += residual / r.aF0;
             trigOfPhi = false;

@@ -193,6 +193,15 @@ struct OsSeries
     double arc2Bound;
     /// Bound on the difference of the shortcut's sin 3dp cos 3sp term.
     double arc3Bound;
+    /// Further bounds of the two terms per unit of error in the sines and cosines.
+    double arc2TrigBound;
+    double arc3TrigBound;
+    /// The library's sine and cosine of the latitude of origin.
+    double sinPhi0;
+    double cosPhi0;
+    /// True where the shortcut takes the sines and cosines of dp and sp from those of
+    /// the latitude (origin at or near the equator).
+    bool fromPhi;
     /// At most 1 - M'/aF0 in size for every latitude: each step of the inverse's
     /// iteration leaves at most this fraction of the residual.
     double contraction;
