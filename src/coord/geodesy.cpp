@@ -504,6 +504,11 @@ OsSeries::OsSeries(const OsGridRow& r)
     // the threefold angle's by 7.7 d: per d, at most 6 |arc2| and 16 |arc3|.
     arc2TrigBound = 6.0 * std::fabs(arc[2]);
     arc3TrigBound = 16.0 * std::fabs(arc[3]);
+    inverseOneMinusE2 = 1.0 / (1.0 - e2);
+    inverse[0] = 1.0 / 6.0;
+    inverse[1] = 1.0 / 120.0;
+    inverse[2] = 1.0 / 24.0;
+    inverse[3] = 1.0 / 720.0;
     sinPhi0 = std::sin(r.phi0);
     cosPhi0 = std::cos(r.phi0);
     // Near a latitude of origin far from the equator (British, Irish, Hong Kong grids)
@@ -520,30 +525,98 @@ OsSeries::OsSeries(const OsGridRow& r)
         1.001;
 }
 
+namespace {
+
+// The terms of the forward beyond the first order, easting's v and vi and northing's iii
+// and iiia, without the library's tan and without divisions: tan phi as sin/cos, nu/rho
+// as w/(1 - e^2), nu/6 ... nu/720 by reciprocals. Each term is then within the bound
+// below of the plain one, and iv + (its part) and ii + (its part) are proved to round
+// to the plain sums; false where they might not.
+//
+// Bounds in units of u, with the library within 2u (one unit in the last place): tan^2
+// within 17 |tan^2|; nu/rho within 5.1; nu/6 ... within 2.6 relative; the polynomials of
+// v, vi, iii, iiia by their coefficients, each rounding within u of the term's size;
+// every product of the plain and the short form rounded within 2.1 u.
+bool osForwardHigherTerms(const OsSeries& s, double sinPhi, double cosPhi, double w, double nu, double cos3,
+                          double cos5, double dl2, double iv, double ii, double& eastingSum,
+                          double& northingSum)
+{
+    using RoundingCheck::kU;
+    using RoundingCheck::sumRoundsAlike;
+    const double t = sinPhi / cosPhi;
+    const double tan2 = t * t;
+    const double nuRho = w * s.inverseOneMinusE2;
+    const double eta2 = nuRho - 1.0;
+    const double dTan2 = 17.0 * kU * tan2;
+    const double dNuRho = 5.1 * kU;
+
+    const double v1 = nu * s.inverse[0] * cos3;
+    const double v2 = nuRho - tan2;
+    const double v = v1 * v2;
+    const double vi1 = nu * s.inverse[1] * cos5;
+    const double vi2 = 5.0 - 18.0 * tan2 + tan2 * tan2 + 14.0 * eta2 - 58.0 * tan2 * eta2;
+    const double vi = vi1 * vi2;
+    const double eastingA = dl2 * vi;
+    const double eastingB = v + eastingA;
+    const double eastingC = dl2 * eastingB;
+    const double dV = std::fabs(v1) * (dNuRho + dTan2 + 9.0 * kU * std::fabs(v2));
+    const double dVi = std::fabs(vi1) * (kU * (120.0 + 800.0 * tan2 + 50.0 * tan2 * tan2) + 7.0 * kU * std::fabs(vi2));
+    const double eastingBound = (dl2 * (dV + dl2 * dVi) +
+                                 2.1 * kU * (dl2 * std::fabs(eastingA) + 2.0 * std::fabs(eastingC))) *
+                                1.1;
+
+    const double iii1 = nu * s.inverse[2] * sinPhi * cos3;
+    const double iii2 = 5.0 - tan2 + 9.0 * eta2;
+    const double iii = iii1 * iii2;
+    const double iiia1 = nu * s.inverse[3] * sinPhi * cos5;
+    const double iiia2 = 61.0 - 58.0 * tan2 + tan2 * tan2;
+    const double iiia = iiia1 * iiia2;
+    const double northingA = dl2 * iiia;
+    const double northingB = iii + northingA;
+    const double northingC = dl2 * northingB;
+    const double dIii = std::fabs(iii1) * (kU * (61.0 + 20.0 * tan2) + 8.0 * kU * std::fabs(iii2));
+    const double dIiia =
+        std::fabs(iiia1) * (kU * (183.0 + 1160.0 * tan2 + 37.0 * tan2 * tan2) + 8.0 * kU * std::fabs(iiia2));
+    const double northingBound = (dl2 * (dIii + dl2 * dIiia) +
+                                  2.1 * kU * (dl2 * std::fabs(northingA) + 2.0 * std::fabs(northingC))) *
+                                 1.1;
+
+    eastingSum = iv + eastingC;
+    northingSum = ii + northingC;
+    return sumRoundsAlike(iv, eastingC, eastingSum, eastingBound) &&
+           sumRoundsAlike(ii, northingC, northingSum, northingBound);
+}
+
+} // namespace
+
 GridPoint osTmForward(const OsGridRow& r, const OsSeries& s, const GeoPoint& position)
 {
     const double phi = position.lat * kGridDegToRad;
     const double e2 = s.e2;
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
-    const double tan2 = std::tan(phi) * std::tan(phi);
     const double w = 1.0 - e2 * sinPhi * sinPhi;
     const double nu = r.aF0 / std::sqrt(w);
-    const double rho = nu * (1.0 - e2) / w;
-    const double eta2 = nu / rho - 1.0;
     const double dl = position.lon * kGridDegToRad - r.lambda0;
     const double dl2 = dl * dl;
     const double cos3 = cosPhi * cosPhi * cosPhi;
     const double cos5 = cos3 * cosPhi * cosPhi;
-
     const double iv = nu * cosPhi;
+    const double i = meridionalArc(r, s, phi, sinPhi, cosPhi) + r.N0;
+    const double ii = nu / 2.0 * sinPhi * cosPhi;
+
+    double eastingSum, northingSum;
+    if (osForwardHigherTerms(s, sinPhi, cosPhi, w, nu, cos3, cos5, dl2, iv, ii, eastingSum, northingSum))
+        return {r.E0 + dl * eastingSum, i + dl2 * northingSum};
+
+    const double tan2 = std::tan(phi) * std::tan(phi);
+    const double rho = nu * (1.0 - e2) / w;
+    const double eta2 = nu / rho - 1.0;
     const double v = nu / 6.0 * cos3 * (nu / rho - tan2);
     const double vi =
         nu / 120.0 * cos5 * (5.0 - 18.0 * tan2 + tan2 * tan2 + 14.0 * eta2 - 58.0 * tan2 * eta2);
     const double easting = r.E0 + dl * (iv + dl2 * (v + dl2 * vi));
 
-    const double i = meridionalArc(r, s, phi, sinPhi, cosPhi) + r.N0;
-    const double ii = nu / 2.0 * sinPhi * cosPhi;
     const double iii = nu / 24.0 * sinPhi * cos3 * (5.0 - tan2 + 9.0 * eta2);
     const double iiia = nu / 720.0 * sinPhi * cos5 * (61.0 - 58.0 * tan2 + tan2 * tan2);
     const double northing = i + dl2 * (ii + dl2 * (iii + dl2 * iiia));

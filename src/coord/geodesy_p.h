@@ -196,6 +196,9 @@ struct OsSeries
     /// Further bounds of the two terms per unit of error in the sines and cosines.
     double arc2TrigBound;
     double arc3TrigBound;
+    /// 1 / (1 - e^2) and 1/6, 1/120, 1/24, 1/720 for the forward's higher terms.
+    double inverseOneMinusE2;
+    double inverse[4];
     /// The library's sine and cosine of the latitude of origin.
     double sinPhi0;
     double cosPhi0;
