@@ -16,9 +16,11 @@ void invalid(double& a, double& b)
     b = -1.0;
 }
 
-// The zone text "%d%c" of LLtoUTM: zones 1 to 60 with a capital band letter come from a
-// table built once, so that a conversion costs no allocation.
-QString zoneText(int zone, char band)
+// Sets text to the zone text "%d%c" of LLtoUTM: zones 1 to 60 with a capital band letter
+// come from a table built once, so that a conversion costs no allocation, and a text
+// that already is the table's (a track within one zone) is left as it is, which spares
+// even the reference count.
+void setZoneText(QString& text, int zone, char band)
 {
     constexpr int kBandLetters = 26;
     static const struct Table
@@ -31,9 +33,13 @@ QString zoneText(int zone, char band)
                     text[z - 1][b] = QString::number(z) + QLatin1Char(char('A' + b));
         }
     } table;
-    if (validUtmZone(zone) && band >= 'A' && band <= 'Z')
-        return table.text[zone - 1][band - 'A'];
-    return QString::number(zone) + QLatin1Char(band);
+    if (validUtmZone(zone) && band >= 'A' && band <= 'Z') {
+        const QString& known = table.text[zone - 1][band - 'A'];
+        if (!text.isSharedWith(known))
+            text = known;
+        return;
+    }
+    text = QString::number(zone) + QLatin1Char(band);
 }
 
 // The number of the leading digits (at most three) of a zone text, as QString::toInt
@@ -67,7 +73,7 @@ void LLtoUTM(int ellipsoid, double lat, double lon, double& northing, double& ea
     }
     northing = r.point->grid.northing;
     easting = r.point->grid.easting;
-    zone = zoneText(r.point->zone, r.point->band);
+    setZoneText(zone, r.point->zone, r.point->band);
 }
 
 void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, double& lat, double& lon)
