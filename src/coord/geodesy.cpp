@@ -411,13 +411,14 @@ constexpr double kArc2Bound = 27.1 * RoundingCheck::kU;
 constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
 
 // meridionalArc from sines and cosines of dp = phi - phi0 and sp = phi + phi0 that are
-// the library's or within trigError (absolute) of them: the terms of the doubled and
+// the library's or within sinError and cosError (absolute) of them: the terms of the doubled and
 // tripled angles, whose coefficients n^2 and n^3 make them small, come from identities,
 // and so does the first term's product where the sines are not the library's. False
 // (arc untouched) where the sums might round apart from the plain formula's.
 bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
-                           double sinSp, double cosSp, double trigError, double& arc)
+                           double sinSp, double cosSp, double sinError, double cosError, double& arc)
 {
+    const double trigError = std::fmax(sinError, cosError);
     using RoundingCheck::productBound;
     using RoundingCheck::sumRoundsAlike;
     const double term0 = s.arc[0] * dp;
@@ -434,7 +435,7 @@ bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, dou
     const double sum2 = sum1 + term2;
     const double sum3 = sum2 - term3;
     if ((trigError > 0.0 &&
-         !sumRoundsAlike(term0, -term1, sum1, productBound(s.arc[1], sinDp, trigError, cosSp, trigError))) ||
+         !sumRoundsAlike(term0, -term1, sum1, productBound(s.arc[1], sinDp, sinError, cosSp, cosError))) ||
         !sumRoundsAlike(sum1, term2, sum2, s.arc2Bound * std::fabs(sin2Dp) + s.arc2TrigBound * trigError) ||
         !sumRoundsAlike(sum2, -term3, sum3, s.arc3Bound + s.arc3TrigBound * trigError))
         return false;
@@ -457,7 +458,7 @@ double meridionalArc(const OsGridRow& r, const OsSeries& s, double phi, double s
     if (r.phi0 == 0.0) {
         // phi - 0 is phi, and phi + 0 differs from it at most in the sign of a zero.
         if (std::fabs(phi) <= kArcShortcutAngle &&
-            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, 0.0, arc))
+            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, 0.0, 0.0, arc))
             return arc;
         return meridionalArc(r, s.n, phi);
     }
@@ -470,12 +471,48 @@ double meridionalArc(const OsGridRow& r, const OsSeries& s, double phi, double s
         const double cosDp = cosPhi * s.cosPhi0 + sinPhi * s.sinPhi0;
         const double sinSp = sinPhi * s.cosPhi0 + cosPhi * s.sinPhi0;
         const double cosSp = cosPhi * s.cosPhi0 - sinPhi * s.sinPhi0;
-        if (meridionalArcShortcut(r, s, dp, sinDp, cosDp, sinSp, cosSp, kSumFormulaError, arc))
+        if (meridionalArcShortcut(r, s, dp, sinDp, cosDp, sinSp, cosSp, kSumFormulaError, kSumFormulaError,
+                                  arc))
             return arc;
     }
-    if (meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), 0.0, arc))
+    if (meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), 0.0, 0.0,
+                              arc))
         return arc;
     return meridionalArc(r, s.n, phi);
+}
+
+// Sine and cosine of phi from the library's at a nearby base, rotated by h = phi - base
+// with the series of sin h and cos h - 1 (to h^5 and h^6: below 2e-18 for |h| <= 0.01),
+// each with a bound on its distance from the library's sine and cosine of phi: the
+// base's own errors (g each) carried along, the target's g, the rotation's roundings
+// (within 4.5 u |h| and u of the result) and the series' remainder. False for steps
+// beyond 0.01.
+struct RotatedTrig
+{
+    double sin, cos;
+    double sinError, cosError;
+};
+
+constexpr double kRotationLimit = 0.01;
+
+bool rotateTrig(double basePhi, double baseSin, double baseCos, double phi, RotatedTrig& out)
+{
+    using RoundingCheck::kLibmError;
+    using RoundingCheck::kU;
+    using RoundingCheck::twoSumError;
+    const double h = phi - basePhi;
+    if (!(std::fabs(h) <= kRotationLimit))
+        return false;
+    const double hError = std::fabs(twoSumError(phi, -basePhi, h));
+    const double h2 = h * h;
+    const double sinH = h * (1.0 + h2 * (-1.0 / 6.0 + h2 * (1.0 / 120.0)));
+    const double cosHm1 = h2 * (-0.5 + h2 * (1.0 / 24.0 - h2 * (1.0 / 720.0)));
+    out.sin = baseSin + (baseCos * sinH + baseSin * cosHm1);
+    out.cos = baseCos + (baseCos * cosHm1 - baseSin * sinH);
+    const double common = (kLibmError + 4.5 * kU) * std::fabs(h) + 3.0 * kU * h2 + hError + 2e-18;
+    out.sinError = kLibmError * (std::fabs(baseSin) + std::fabs(out.sin)) + kU * std::fabs(out.sin) + common;
+    out.cosError = kLibmError * (std::fabs(baseCos) + std::fabs(out.cos)) + kU * std::fabs(out.cos) + common;
+    return true;
 }
 
 // The inverse's residual settles below this (metres).
@@ -560,10 +597,10 @@ bool osForwardHigherTerms(const OsSeries& s, double sinPhi, double cosPhi, doubl
     const double eastingB = v + eastingA;
     const double eastingC = dl2 * eastingB;
     const double dV = std::fabs(v1) * (dNuRho + dTan2 + 9.0 * kU * std::fabs(v2));
-    const double dVi = std::fabs(vi1) * (kU * (120.0 + 800.0 * tan2 + 50.0 * tan2 * tan2) + 7.0 * kU * std::fabs(vi2));
-    const double eastingBound = (dl2 * (dV + dl2 * dVi) +
-                                 2.1 * kU * (dl2 * std::fabs(eastingA) + 2.0 * std::fabs(eastingC))) *
-                                1.1;
+    const double dVi =
+        std::fabs(vi1) * (kU * (120.0 + 800.0 * tan2 + 50.0 * tan2 * tan2) + 7.0 * kU * std::fabs(vi2));
+    const double eastingBound =
+        (dl2 * (dV + dl2 * dVi) + 2.1 * kU * (dl2 * std::fabs(eastingA) + 2.0 * std::fabs(eastingC))) * 1.1;
 
     const double iii1 = nu * s.inverse[2] * sinPhi * cos3;
     const double iii2 = 5.0 - tan2 + 9.0 * eta2;
@@ -577,9 +614,9 @@ bool osForwardHigherTerms(const OsSeries& s, double sinPhi, double cosPhi, doubl
     const double dIii = std::fabs(iii1) * (kU * (61.0 + 20.0 * tan2) + 8.0 * kU * std::fabs(iii2));
     const double dIiia =
         std::fabs(iiia1) * (kU * (183.0 + 1160.0 * tan2 + 37.0 * tan2 * tan2) + 8.0 * kU * std::fabs(iiia2));
-    const double northingBound = (dl2 * (dIii + dl2 * dIiia) +
-                                  2.1 * kU * (dl2 * std::fabs(northingA) + 2.0 * std::fabs(northingC))) *
-                                 1.1;
+    const double northingBound =
+        (dl2 * (dIii + dl2 * dIiia) + 2.1 * kU * (dl2 * std::fabs(northingA) + 2.0 * std::fabs(northingC))) *
+        1.1;
 
     eastingSum = iv + eastingC;
     northingSum = ii + northingC;
@@ -639,15 +676,36 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const
     bool settled = false;
     double sinPhi = 0.0;
     double cosPhi = 0.0;
-    bool trigOfPhi = false; // sinPhi and cosPhi belong to the final phi
+    bool trigOfPhi = false; // sinPhi and cosPhi are the library's of the final phi
+    // Where the origin is the equator, the steps after the first take the sine and
+    // cosine of phi rotated from the library's at the last phi it gave them for, and the
+    // arc is proved with their bounds; where it cannot be, the library gives them anew.
+    const bool rotate = r.phi0 == 0.0;
+    bool haveBase = false;
+    double basePhi = 0.0, baseSin = 0.0, baseCos = 0.0;
     for (int step = 0; step < kMaxSteps && !settled; ++step) {
-        if (s.fromPhi) {
-            sinPhi = std::sin(phi);
-            cosPhi = std::cos(phi);
+        double arc = 0.0;
+        bool arcDone = false;
+        RotatedTrig rotated;
+        if (rotate && haveBase && std::fabs(phi) <= kArcShortcutAngle &&
+            rotateTrig(basePhi, baseSin, baseCos, phi, rotated))
+            arcDone = meridionalArcShortcut(r, s, phi, rotated.sin, rotated.cos, rotated.sin, rotated.cos,
+                                            rotated.sinError, rotated.cosError, arc);
+        trigOfPhi = false;
+        if (!arcDone) {
+            if (s.fromPhi) {
+                sinPhi = std::sin(phi);
+                cosPhi = std::cos(phi);
+                basePhi = phi;
+                baseSin = sinPhi;
+                baseCos = cosPhi;
+                haveBase = true;
+                trigOfPhi = true;
+            }
+            arc = meridionalArc(r, s, phi, sinPhi, cosPhi);
         }
-        const double residual = dn - meridionalArc(r, s, phi, sinPhi, cosPhi);
+        const double residual = dn - arc;
         settled = std::fabs(residual) < kSettled;
-        trigOfPhi = s.fromPhi;
         if (!settled) {
             phi += residual / r.aF0;
             trigOfPhi = false;
