@@ -288,18 +288,21 @@ void OpenSsl_DigestVerifyES256(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(KvBase_SignHS256);
-BENCHMARK(LibJwt_SignHS256);
-BENCHMARK(KvBase_VerifyHS256);
-BENCHMARK(LibJwt_VerifyHS256);
-BENCHMARK(KvBase_VerifyLibJwtToken);
-BENCHMARK(KvBase_JwsSignHS256);
-BENCHMARK(KvBase_JwsSignPreparedHS256);
-BENCHMARK(LibJwt_SignPreparedHS256);
-BENCHMARK(KvBase_JwsVerifyHS256);
-BENCHMARK(KvBase_JwsVerifyRS256);
-BENCHMARK(OpenSsl_DigestVerifyRS256);
-BENCHMARK(KvBase_JwsVerifyES256);
-BENCHMARK(OpenSsl_DigestVerifyES256);
+// Names after bench_table.py's convention, BM_<operation>/KvBase beside its peer.
+BENCHMARK(KvBase_SignHS256)->Name("BM_HS256_sign_Token_five_claims/KvBase");
+BENCHMARK(LibJwt_SignHS256)->Name("BM_HS256_sign_Token_five_claims/libjwt");
+BENCHMARK(KvBase_VerifyHS256)->Name("BM_HS256_parse_verify_Token/KvBase");
+BENCHMARK(LibJwt_VerifyHS256)->Name("BM_HS256_parse_verify_Token/libjwt");
+BENCHMARK(KvBase_VerifyLibJwtToken)->Name("BM_HS256_parse_verify_libjwt_token/KvBase");
+BENCHMARK(KvBase_JwsSignHS256)->Name("BM_HS256_sign_five_claims/KvBase");
+BENCHMARK(LibJwt_SignHS256)->Name("BM_HS256_sign_five_claims/libjwt");
+BENCHMARK(KvBase_JwsSignPreparedHS256)->Name("BM_HS256_sign_prepared_claims/KvBase");
+BENCHMARK(LibJwt_SignPreparedHS256)->Name("BM_HS256_sign_prepared_claims/libjwt");
+BENCHMARK(KvBase_JwsVerifyHS256)->Name("BM_HS256_Verifier_verify/KvBase");
+BENCHMARK(LibJwt_VerifyHS256)->Name("BM_HS256_Verifier_verify/libjwt");
+BENCHMARK(KvBase_JwsVerifyRS256)->Name("BM_RS256_verify/KvBase");
+BENCHMARK(OpenSsl_DigestVerifyRS256)->Name("BM_RS256_verify/OpenSSL");
+BENCHMARK(KvBase_JwsVerifyES256)->Name("BM_ES256_verify/KvBase");
+BENCHMARK(OpenSsl_DigestVerifyES256)->Name("BM_ES256_verify/OpenSSL");
 
 BENCHMARK_MAIN();
