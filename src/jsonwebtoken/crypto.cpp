@@ -72,14 +72,21 @@ EVP_MAC_CTX* newHmac(Hash hash, const QByteArray& key)
 // the thread, or when the thread turns to another key.
 std::atomic<quint64> nextHmacKeyId{1};
 
+// hmac() takes its key as bytes on every call (Token's callers hold no key
+// object), so the slot it uses remembers those bytes under this owner.
+constexpr quint64 bytesKeyOwner = ~quint64(0);
+
 struct ThreadHmacContexts
 {
     quint64 owner[3] = {};
     EVP_MAC_CTX* context[3] = {};
+    QByteArray bytesKey[3];
     ~ThreadHmacContexts()
     {
         for (EVP_MAC_CTX* c : context)
             EVP_MAC_CTX_free(c);
+        for (QByteArray& key : bytesKey)
+            OPENSSL_cleanse(key.data(), static_cast<size_t>(key.size()));
     }
 };
 thread_local ThreadHmacContexts threadHmac;
@@ -207,15 +214,33 @@ void clearErrors()
 
 QByteArray hmac(Hash hash, const QByteArray& key, std::initializer_list<QByteArray> parts)
 {
-    EVP_MAC_CTX* context = newHmac(hash, key);
-    if (!context)
-        return QByteArray();
-    bool ok = true;
+    const int index = static_cast<int>(hash);
+    ThreadHmacContexts& cache = threadHmac;
+    EVP_MAC_CTX*& context = cache.context[index];
+    QByteArray& cachedKey = cache.bytesKey[index];
+    // Setting the key costs two digests of its padded form and a dozen
+    // allocations; a thread that uses the same key again only restarts from
+    // the pads kept in its context.
+    const bool sameKey =
+        cache.owner[index] == bytesKeyOwner && context &&
+        equalInConstantTime(cachedKey.constData(), cachedKey.size(), key.constData(), key.size());
+    bool ok;
+    if (sameKey) {
+        ok = EVP_MAC_init(context, nullptr, 0, nullptr) == 1;
+    } else {
+        EVP_MAC_CTX_free(context);
+        context = newHmac(hash, key);
+        ok = context != nullptr;
+        if (ok) {
+            OPENSSL_cleanse(cachedKey.data(), static_cast<size_t>(cachedKey.size()));
+            cachedKey = QByteArray(key.constData(), key.size()); // a deep copy, never shared
+        }
+    }
     for (const QByteArray& part : parts)
         ok = ok && EVP_MAC_update(context, bytes(part.constData()), static_cast<size_t>(part.size())) == 1;
     unsigned char out[maxHashSize];
     ok = ok && finishHmac(context, out);
-    EVP_MAC_CTX_free(context);
+    cache.owner[index] = ok ? bytesKeyOwner : 0;
     if (!ok) {
         clearErrors();
         return QByteArray();

@@ -1,14 +1,10 @@
 #include "jsonwebtoken/jws.h"
 
+#include "jsonwebtoken/jsonwriter_p.h"
 #include "jsonwebtoken/jws_p.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-#include <string>
 
 namespace jsonWebToken {
 
@@ -88,146 +84,6 @@ Crypto::Scheme scheme(Family family)
     }
 }
 
-// Compact JSON as QJsonDocument::toJson writes it, without building the
-// document, which cost half the time of signing a small token. Strings are
-// UTF-8, a lone surrogate is escaped as Qt escapes it.
-void writeJson(std::string& out, const QJsonValue& value);
-
-void writeEscape(std::string& out, char16_t c)
-{
-    static const char hex[] = "0123456789abcdef";
-    const char escape[] = {'\\', 'u', hex[c >> 12], hex[(c >> 8) & 15], hex[(c >> 4) & 15], hex[c & 15]};
-    out.append(escape, 6);
-}
-
-void writeString(std::string& out, const QString& text)
-{
-    out += '"';
-    const char16_t* p = reinterpret_cast<const char16_t*>(text.utf16());
-    const char16_t* const end = p + text.size();
-    while (p < end) {
-        const char16_t* run = p;
-        while (run < end && *run >= 0x20 && *run < 0x80 && *run != '"' && *run != '\\')
-            ++run;
-        while (p < run) {
-            char ascii[128];
-            const auto count = std::min<std::ptrdiff_t>(run - p, sizeof ascii);
-            for (std::ptrdiff_t i = 0; i < count; ++i)
-                ascii[i] = char(p[i]);
-            out.append(ascii, size_t(count));
-            p += count;
-        }
-        if (p == end)
-            break;
-        const char16_t c = *p;
-        if (c >= 0x80) {
-            const char16_t* wide = p;
-            while (wide < end && *wide >= 0x80 && !QChar::isSurrogate(*wide))
-                ++wide;
-            if (wide == p && p + 1 < end && QChar::isHighSurrogate(c) && QChar::isLowSurrogate(p[1]))
-                wide = p + 2;
-            if (wide == p) {
-                writeEscape(out, c);
-                ++p;
-            } else {
-                const QByteArray utf8 = QStringView(p, wide - p).toUtf8();
-                out.append(utf8.constData(), size_t(utf8.size()));
-                p = wide;
-            }
-            continue;
-        }
-        const char* const named = c == '"'    ? "\\\""
-                                  : c == '\\' ? "\\\\"
-                                  : c == '\b' ? "\\b"
-                                  : c == '\f' ? "\\f"
-                                  : c == '\n' ? "\\n"
-                                  : c == '\r' ? "\\r"
-                                  : c == '\t' ? "\\t"
-                                              : nullptr;
-        if (named)
-            out.append(named, 2);
-        else
-            writeEscape(out, c);
-        ++p;
-    }
-    out += '"';
-}
-
-void writeNumber(std::string& out, const QJsonValue& value)
-{
-    // Whole numbers within a double's exact range, NumericDates among them, as
-    // integers; anything else as Qt writes it, 64-bit integers of Qt 6 exactly.
-    const double number = value.toDouble();
-    if (number == std::floor(number) && std::fabs(number) < 9007199254740992.0) {
-        char digits[24];
-        char* p = digits + sizeof digits;
-        auto whole = static_cast<qint64>(std::fabs(number));
-        do {
-            *--p = char('0' + whole % 10);
-            whole /= 10;
-        } while (whole);
-        if (number < 0)
-            *--p = '-';
-        out.append(p, size_t(digits + sizeof digits - p));
-        return;
-    }
-    const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
-    out.append(json.constData() + 1, size_t(json.size() - 2));
-}
-
-void writeObject(std::string& out, const QJsonObject& object)
-{
-    out += '{';
-    for (auto it = object.constBegin(); it != object.constEnd(); ++it) {
-        if (it != object.constBegin())
-            out += ',';
-        writeString(out, it.key());
-        out += ':';
-        writeJson(out, it.value());
-    }
-    out += '}';
-}
-
-void writeJson(std::string& out, const QJsonValue& value)
-{
-    switch (value.type()) {
-    case QJsonValue::String:
-        writeString(out, value.toString());
-        break;
-    case QJsonValue::Double:
-        writeNumber(out, value);
-        break;
-    case QJsonValue::Bool:
-        out += value.toBool() ? "true" : "false";
-        break;
-    case QJsonValue::Object:
-        writeObject(out, value.toObject());
-        break;
-    case QJsonValue::Array: {
-        const QJsonArray array = value.toArray();
-        out += '[';
-        for (int i = 0; i < array.size(); ++i) {
-            if (i)
-                out += ',';
-            writeJson(out, array.at(i));
-        }
-        out += ']';
-        break;
-    }
-    default:
-        out += "null";
-        break;
-    }
-}
-
-void appendJson(QByteArray& out, const QJsonObject& object)
-{
-    thread_local std::string json; // keeps its capacity from token to token
-    json.clear();
-    writeObject(json, object);
-    Crypto::appendBase64Url(out, json.data(), int(json.size()));
-}
-
 // The header of nearly every token: {"alg":…,"typ":"JWT"}, encoded once.
 const QByteArray& plainHeader(JwsAlgorithm algorithm)
 {
@@ -237,7 +93,7 @@ const QByteArray& plainHeader(JwsAlgorithm algorithm)
             QJsonObject header;
             header.insert(QStringLiteral("alg"), QLatin1String(algorithms[i].name));
             header.insert(QStringLiteral("typ"), QStringLiteral("JWT"));
-            appendJson(encoded[i], header);
+            Json::appendObject(encoded[i], header);
         }
         return encoded;
     }();
@@ -346,10 +202,10 @@ QByteArray sign(const QJsonObject& payload, JwsAlgorithm algorithm, const Key& k
         header.insert(QStringLiteral("alg"), QLatin1String(info->name));
         if (!header.contains(QLatin1String("typ")))
             header.insert(QStringLiteral("typ"), QStringLiteral("JWT"));
-        appendJson(token, header);
+        Json::appendObject(token, header);
     }
     token.append('.');
-    appendJson(token, payload);
+    Json::appendObject(token, payload);
     const int signedSize = token.size();
     token.append('.');
     if (info->family == Family::None)

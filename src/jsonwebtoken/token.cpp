@@ -70,9 +70,11 @@ const QByteArray& Token::payloadAsBase64() const
 
 const QByteArray& Token::signatureAsBase64() const
 {
-    if (!m_signatureSegment)
-        m_signatureSegment =
-            m_signature.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+    if (!m_signatureSegment) {
+        QByteArray segment;
+        Crypto::appendBase64Url(segment, m_signature.constData(), m_signature.size());
+        m_signatureSegment = std::move(segment);
+    }
     return *m_signatureSegment;
 }
 

@@ -184,6 +184,38 @@ private Q_SLOTS:
         QCOMPARE(payload ? QString::fromUtf8(json(payload->value())) : QString(), field("members"));
     }
 
+    // One thread switching between keys, hashes and lengths, including keys
+    // that are prefixes of each other: each MAC is the one of its own key.
+    void keysInTurn_data()
+    {
+        QTest::addColumn<QByteArray>("secret");
+        QTest::addColumn<QString>("alg");
+        const QByteArray longKey(100, 'k');
+        const QByteArray rows[] = {
+            key, key + "2", QByteArray(), key, QByteArray("s\0", 2), QByteArray("s"), longKey, key};
+        int n = 0;
+        for (const QByteArray& secret : rows) {
+            for (const char* alg : {"HS256", "HS512", "HS256"})
+                QTest::addRow("step %d: %d bytes, %s", n++, int(secret.size()), alg)
+                    << secret << QString(alg);
+        }
+    }
+
+    void keysInTurn()
+    {
+        QFETCH(QByteArray, secret);
+        QFETCH(QString, alg);
+        const auto hash = alg == "HS256" ? QCryptographicHash::Sha256 : QCryptographicHash::Sha512;
+        Token token = signedToken(algorithm(alg));
+        token.signWith(secret, boost::none);
+        const QByteArray text = token.value();
+        QCOMPARE(token.signature(),
+                 QMessageAuthenticationCode::hash(text.left(text.lastIndexOf('.')), secret, hash));
+        QCOMPARE(token.verify(secret, algorithm(alg), boost::none), VerificationError::NoError);
+        QCOMPARE(token.verify(secret + "x", algorithm(alg), boost::none),
+                 VerificationError::SignatureInvalid);
+    }
+
     void rfc7515Example()
     {
         // RFC 7515 appendix A.1: the HS256 example, whose JSON has line breaks.
