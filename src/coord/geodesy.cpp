@@ -418,7 +418,7 @@ constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
 bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
                            double sinSp, double cosSp, double sinError, double cosError, double& arc)
 {
-    const double trigError = std::fmax(sinError, cosError);
+    const double trigError = sinError > cosError ? sinError : cosError;
     using RoundingCheck::productBound;
     using RoundingCheck::sumRoundsAlike;
     const double term0 = s.arc[0] * dp;
