@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 using namespace Geodesy;
 
@@ -33,6 +34,36 @@ bool gridToLatLong(int g, long zoneMeridian, const GridPoint& grid, double& lat,
         lon = p->lon;
     return std::isfinite(p->lat) && std::isfinite(p->lon);
 }
+
+// The last conversion of each thread's LL2TM or TM2LL with one output: callers ask
+// for the easting and then the northing (or latitude and longitude) of one position in
+// two calls, and the second takes the value the first computed. Inputs are compared
+// bit for bit, so -0.0 and 0.0 stay apart.
+struct LastConversion
+{
+    bool valid = false;
+    int grid = 0;
+    long zoneMeridian = 0;
+    double in[2] = {0.0, 0.0};
+    double first = 0.0;
+    double second = 0.0;
+
+    bool holds(int g, long meridian, double a, double b) const
+    {
+        const double key[2] = {a, b};
+        return valid && grid == g && zoneMeridian == meridian && std::memcmp(in, key, sizeof in) == 0;
+    }
+    void store(int g, long meridian, double a, double b, double out1, double out2)
+    {
+        valid = true;
+        grid = g;
+        zoneMeridian = meridian;
+        in[0] = a;
+        in[1] = b;
+        first = out1;
+        second = out2;
+    }
+};
 
 // Why LL2TM refuses a position (validGridPosition false).
 QString gridPositionProblem(double lat, double lon)
@@ -197,18 +228,25 @@ CMercCoordTrans::~CMercCoordTrans() = default;
 
 double CMercCoordTrans::LL2TM(bool wantEasting, double lat, double lon, int grid, long zoneMeridian) const
 {
-    const std::optional<GridPoint> p = gridForward(lat, lon, grid, zoneMeridian);
-    if (!p)
-        return -1.0;
-    return wantEasting ? p->easting : p->northing;
+    thread_local LastConversion last;
+    if (!last.holds(grid, zoneMeridian, lat, lon)) {
+        const std::optional<GridPoint> p = gridForward(lat, lon, grid, zoneMeridian);
+        last.store(grid, zoneMeridian, lat, lon, p ? p->easting : -1.0, p ? p->northing : -1.0);
+    }
+    return wantEasting ? last.first : last.second;
 }
 
 double CMercCoordTrans::TM2LL(bool wantLatitude, double easting, double northing, int grid,
                               long zoneMeridian) const
 {
-    double lat, lon;
-    gridToLatLong(absGrid(grid), zoneMeridian, {easting, northing}, lat, lon);
-    return wantLatitude ? lat : lon;
+    thread_local LastConversion last;
+    const int g = absGrid(grid);
+    if (!last.holds(g, zoneMeridian, easting, northing)) {
+        double lat, lon;
+        gridToLatLong(g, zoneMeridian, {easting, northing}, lat, lon);
+        last.store(g, zoneMeridian, easting, northing, lat, lon);
+    }
+    return wantLatitude ? last.first : last.second;
 }
 
 bool CMercCoordTrans::LL2TM(double lat, double lon, int grid, long zoneMeridian, double& easting,
@@ -316,9 +354,22 @@ QString CMercCoordTrans::LL2GR(double lat, double lon, int grid) const
 
 double CMercCoordTrans::GR2LL(bool wantLatitude, QString ref, int grid) const
 {
-    double lat, lon;
-    GR2LL(ref, grid, lat, lon);
-    return wantLatitude ? lat : lon;
+    // As for LL2TM: the second call of a pair takes what the first computed.
+    thread_local struct
+    {
+        bool valid = false;
+        int grid = 0;
+        QString ref;
+        double lat = 0.0;
+        double lon = 0.0;
+    } last;
+    if (!last.valid || last.grid != grid || last.ref != ref) {
+        GR2LL(ref, grid, last.lat, last.lon);
+        last.valid = true;
+        last.grid = grid;
+        last.ref = ref;
+    }
+    return wantLatitude ? last.lat : last.lon;
 }
 
 bool CMercCoordTrans::GR2LL(const QString& ref, int grid, double& lat, double& lon) const
