@@ -7,6 +7,7 @@
 #include <QMetaType>
 #include <QObject>
 #include <QString>
+#include <QStringView>
 
 namespace EnumHelpers {
 
@@ -31,7 +32,7 @@ typename Enum::Type fromString(const QString& text, bool* ok)
         int end = begin;
         while (end < text.size() && !text.at(end).isSpace())
             ++end;
-        const QStringRef word = text.midRef(begin, end - begin);
+        const QStringView word = QStringView(text).mid(begin, end - begin);
         for (const auto value : all) {
             if (Enum::toString(value).startsWith(word, Qt::CaseInsensitive)) {
                 result = value;
