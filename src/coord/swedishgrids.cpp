@@ -1,6 +1,7 @@
 #include "coord/swedishgrids.h"
 
-#include <QLocale>
+#include "basetypes/numberhelpers_p.h"
+
 #include <QRegularExpression>
 
 #include <cmath>
@@ -243,8 +244,8 @@ int CoordToSWEREF99String(QString& out, double lon, double lat, TCoordFormat for
     if (format != TCoordFormatSWEREF99 || !std::isfinite(lon) || !std::isfinite(lat))
         return 1;
     // SWEREF99 is WGS-84 to well under a metre, so the degrees pass unchanged.
-    out = QStringLiteral("%1;%2").arg(QString::number(lon, 'g', QLocale::FloatingPointShortest),
-                                      QString::number(lat, 'g', QLocale::FloatingPointShortest));
+    out =
+        QStringLiteral("%1;%2").arg(NumberHelpers::qt5ShortestText(lon), NumberHelpers::qt5ShortestText(lat));
     return 0;
 }
 
