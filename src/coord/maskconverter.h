@@ -31,6 +31,7 @@ public:
     /// Copies mask, text and placeholder.
     /// \return this converter
     MaskConverter& operator=(const MaskConverter&) = default;
+    // Virtual: the class is a polymorphic base that applications may derive from.
     virtual ~MaskConverter();
 
     /// Sets the display mask; the mask text stays until SetText().
