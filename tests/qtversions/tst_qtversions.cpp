@@ -3,6 +3,7 @@
 // that the library still gives Qt 5's results where Qt 6 changed them.
 #include "basetypes/band.h"
 #include "basetypes/numberhelpers.h"
+#include "coord/coord.h"
 #include "coord/swedishgrids.h"
 #include "errorhandling/kvtextfile.h"
 #include "jsonwebtoken/payload.h"
@@ -23,6 +24,8 @@ private slots:
     void integerTexts_data();
     void integerTexts();
     void channelText();
+    void coordFields_data();
+    void coordFields();
     void tokenNumbers_data();
     void tokenNumbers();
     void latin1Line();
@@ -102,6 +105,35 @@ void tst_QtVersions::channelText()
     band.Read(doc, element);
     QCOMPARE(band.GetStartChannel(), 512UL);
     QCOMPARE(band.GetStopChannel(), 885UL);
+}
+
+// A raw coordinate text with a blank, of any kind, for a leading zero reads as
+// with the zero.
+void tst_QtVersions::coordFields_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::addColumn<int>("position");
+    QTest::newRow("decimal degrees") << int(cfGeoDecimal) << 1;
+    QTest::newRow("sexagesimal degrees") << int(cfGeoLong) << 1;
+    QTest::newRow("UTM easting") << int(cfUTM) << 3;
+}
+
+void tst_QtVersions::coordFields()
+{
+    QFETCH(int, format);
+    QFETCH(int, position);
+    const auto notation = static_cast<CoordFormat>(format);
+    const QString plain = Coord(18.0686, 59.3293).GetText(notation);
+    QCOMPARE(plain.at(position), QLatin1Char('0'));
+    Coord expected;
+    expected.SetText(plain, notation);
+    for (const char16_t blank : {u' ', u'\u00a0', u'\u2003'}) {
+        QString text = plain;
+        text[position] = QChar(blank);
+        Coord read;
+        read.SetText(text, notation);
+        QVERIFY2(read == expected, qPrintable(text));
+    }
 }
 
 // Qt 5 wrote JSON numbers through a double; the signature covers the digits.
