@@ -30,11 +30,11 @@ case "${KVBASE_QT:-}" in
         ;;
 esac
 
-packages=(g++ cmake make libboost-dev qtbase5-dev qt6-base-dev)
+packages=(g++ cmake make libboost-dev libssl-dev qtbase5-dev qt6-base-dev)
 cmake_args=()
 case "$mode" in
     run) ;;
-    test) packages+=(pkg-config dpkg-dev file doxygen) ;;
+    test) packages+=(pkg-config dpkg-dev file doxygen python3-jwt python3-cryptography) ;;
     bench)
         packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)

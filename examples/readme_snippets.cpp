@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QDomDocument>
+#include <QJsonObject>
 #include <QLineEdit>
 #include <QRegularExpression>
 
@@ -40,11 +41,17 @@ enum ReceiverChange
 void show(const QString&) {}
 void tuneTo(unsigned long) {}
 void saveState() {}
+void fail(const QString&) {}
+void deny(const QString&, const QString&) {}
 
 const int divisor = 1;
 const QByteArray key("secret");
 QObject* const slider = nullptr;
 QObject* const receiver = nullptr;
+const QByteArray jwksDocument("{\"keys\":[]}");
+const QByteArray bearerToken;
+const QByteArray privateKeyPem;
+const QJsonObject claims;
 
 } // namespace
 

@@ -35,6 +35,8 @@ public:
     /// \param other the formatter to copy
     /// \return this formatter
     TimeStamp2QString& operator=(const TimeStamp2QString& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~TimeStamp2QString();
 
     /// Formats a time stamp as "yyyy-MM-dd hh:mm:ss.mmm.uuu" in local time.

@@ -34,6 +34,8 @@ public:
     /// \param other the message to copy
     /// \return this message
     Message& operator=(const Message& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~Message();
 
     /// \return the text
@@ -104,6 +106,8 @@ public:
     /// \param other the list to copy
     /// \return this list
     MessageList& operator=(const MessageList& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~MessageList();
 
     /// Drops the oldest entry when the list holds exactly the maximum, then
