@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine (as root) and builds KvBase.
-#   ./setup.sh run      build and run the main program (Qt 5; KVBASE_QT=6 for Qt 6)
+#   ./setup.sh run      build and start kvtool, further arguments go to it (Qt 5; KVBASE_QT=6 for Qt 6)
 #   ./setup.sh test     build against Qt 5 and Qt 6 and run every test of both through CTest
 #   ./setup.sh bench    build and run the benchmarks (with the peer libraries)
 #   ./setup.sh package  build the Debian packages of both Qt versions into packages/
@@ -36,7 +36,7 @@ case "$mode" in
     run) ;;
     test) packages+=(pkg-config dpkg-dev file doxygen python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_base=${KVBASE_BUILD_DIR:-build-bench}
         ;;
@@ -70,6 +70,10 @@ build_dir_for() {
     if [ "$1" = 5 ]; then echo "$build_base"; else echo "$build_base-qt$1"; fi
 }
 
+kvtool_for() {
+    if [ "$1" = 5 ]; then echo "$(build_dir_for 5)/tools/kvtool"; else echo "$(build_dir_for "$1")/tools/kvtool-qt$1"; fi
+}
+
 configure() {
     cmake -S . -B "$(build_dir_for "$1")" -DCMAKE_BUILD_TYPE=RelWithDebInfo -DKVBASE_QT_MAJOR_VERSION="$1" \
         ${cmake_args[@]+"${cmake_args[@]}"}
@@ -83,7 +87,7 @@ build() {
 case "$mode" in
     run)
         build "${qt_versions[0]}"
-        "$(build_dir_for "${qt_versions[0]}")/examples/kvbase_demo" "$@"
+        "$(kvtool_for "${qt_versions[0]}")" "$@"
         ;;
     test)
         for v in "${qt_versions[@]}"; do
@@ -113,6 +117,7 @@ case "$mode" in
         for b in "$(build_dir_for "${qt_versions[0]}")"/bench/bench_*; do
             if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
         done
+        bench/bench_kvtool.sh "$(kvtool_for "${qt_versions[0]}")"
         ;;
     package)
         packages_dir="$PWD/packages"

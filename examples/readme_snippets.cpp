@@ -43,6 +43,7 @@ void tuneTo(unsigned long) {}
 void saveState() {}
 void fail(const QString&) {}
 void deny(const QString&, const QString&) {}
+void use(double, double) {}
 
 const int divisor = 1;
 const QByteArray key("secret");

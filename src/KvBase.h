@@ -15,6 +15,7 @@
 #include "coord/coord.h"
 #include "coord/maskconverter.h"
 #include "coord/merccoordtrans.h"
+#include "coord/positiontext.h"
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 #include "errorhandling/errorhandler.h"
