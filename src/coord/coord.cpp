@@ -5,6 +5,7 @@
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 
+#include "basetypes/numberhelpers_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
 
@@ -137,15 +138,22 @@ int millionths(double a)
     return int(std::trunc((a - std::trunc(a)) * 1000000.0 + 0.5));
 }
 
+// A number field of a raw text, read as Qt 5 read it in either Qt build; an
+// unreadable field counts as 0.
+int field(const QString& text, int pos, int length)
+{
+    return NumberHelpers::qt5IntegerText(text.mid(pos, length), 10).toInt();
+}
+
 // Half a hundredth of a second puts a read value into the middle of the
 // interval that the truncating GetText maps to the same text.
 double readSexagesimal(const QString& text, int degreesPos, int degreesLength, bool withHundredths)
 {
     const int minutesPos = degreesPos + degreesLength;
-    const int degrees = text.mid(degreesPos, degreesLength).toInt();
-    const int minutes = text.mid(minutesPos, 2).toInt();
-    const int seconds = text.mid(minutesPos + 2, 2).toInt();
-    const int hundredths = withHundredths ? text.mid(minutesPos + 4, 2).toInt() : 0;
+    const int degrees = field(text, degreesPos, degreesLength);
+    const int minutes = field(text, minutesPos, 2);
+    const int seconds = field(text, minutesPos + 2, 2);
+    const int hundredths = withHundredths ? field(text, minutesPos + 4, 2) : 0;
     return (hundredths / 100.0 + seconds + 0.005) / 3600.0 + minutes / 60.0 + degrees;
 }
 
@@ -340,8 +348,8 @@ void Coord::SetText(const QString& text, CoordFormat format)
 
     switch (format) {
     case cfGeoDecimal:
-        lon = text.mid(4, 6).toInt() * 1e-6 + text.mid(1, 3).toInt();
-        lat = text.mid(13, 6).toInt() * 1e-6 + text.mid(11, 2).toInt();
+        lon = field(text, 4, 6) * 1e-6 + field(text, 1, 3);
+        lat = field(text, 13, 6) * 1e-6 + field(text, 11, 2);
         break;
     case cfGeoLong:
     case cfGeoShort:
@@ -357,8 +365,7 @@ void Coord::SetText(const QString& text, CoordFormat format)
         break;
     }
     case cfUTM:
-        UTMtoLL(Geodesy::kLegacyUtmWgs84, text.mid(10, 7).toInt(), text.mid(3, 7).toInt(), text.mid(0, 3),
-                lat, lon);
+        UTMtoLL(Geodesy::kLegacyUtmWgs84, field(text, 10, 7), field(text, 3, 7), text.mid(0, 3), lat, lon);
         break;
     case cfMGRS:
         CMercCoordTrans().GR2LL(text, kMgrsReferenceGrid, lat, lon);

@@ -1,6 +1,9 @@
 #ifndef KVBASE_COORD_UTM_H
 #define KVBASE_COORD_UTM_H
 
+/// \file coord/utm.h
+/// \brief Plain UTM on a table of reference ellipsoids.
+
 #include "kvbase_export.h"
 
 #include <QString>
@@ -16,7 +19,8 @@ struct UtmEllipsoid
 /// Rows of the ellipsoid table: index 0 is a placeholder, 1 "Airy" to 23 "WGS-84".
 constexpr int UtmEllipsoidCount = 24;
 
-/// The ellipsoid of the given index (0 to 23), or nullptr outside the table.
+/// \param ellipsoid table index, 0 to 23
+/// \return the ellipsoid, or nullptr outside the table
 KVBASE_EXPORT const UtmEllipsoid* GetUtmEllipsoid(int ellipsoid);
 
 /// Plain UTM (scale 0.9996, false easting 500000 m, false northing 10000000 m south
@@ -27,12 +31,24 @@ KVBASE_EXPORT const UtmEllipsoid* GetUtmEllipsoid(int ellipsoid);
 /// Good to about 1 mm within the zone. Reentrant.
 /// Invalid input (unknown ellipsoid, latitude outside -90..90, NaN, infinity) gives
 /// northing and easting -1.0 and a zone text starting with "#".
+/// \param ellipsoid table index, 1 to 23 (23 = WGS-84)
+/// \param lat       latitude in degrees, -90..90
+/// \param lon       longitude in degrees
+/// \param northing  receives the northing in metres
+/// \param easting   receives the easting in metres
+/// \param zone      receives the zone number and band letter
 KVBASE_EXPORT void LLtoUTM(int ellipsoid, double lat, double lon, double& northing, double& easting,
                            QString& zone);
 
 /// The inverse of LLtoUTM: zone text as LLtoUTM writes it (number 1 to 60 and band
 /// letter; "N" to "X" are northern); lat and lon in degrees. Invalid input (unknown
-/// ellipsoid, unreadable zone, NaN, infinity) gives lat and lon -1.0.
+/// ellipsoid, unreadable zone, NaN, infinity) gives lat and lon -1.0. Reentrant.
+/// \param ellipsoid table index, 1 to 23 (23 = WGS-84)
+/// \param northing  metres
+/// \param easting   metres
+/// \param zone      zone number and band letter, e.g. "32V"
+/// \param lat       receives the latitude in degrees
+/// \param lon       receives the longitude in degrees
 KVBASE_EXPORT void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, double& lat,
                            double& lon);
 
