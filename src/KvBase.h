@@ -2,6 +2,8 @@
 #define KVBASE_KVBASE_H
 
 // Every public header of KvBase.
+#include "kvbase_version.h"
+
 #include "basetypes/band.h"
 #include "basetypes/bandgsm.h"
 #include "basetypes/clock.h"

@@ -1,6 +1,7 @@
 #include "basetypes/band.h"
 
 #include "basetypes/bandgsm_p.h"
+#include "basetypes/numberhelpers_p.h"
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/quality_p.h"
 
@@ -50,7 +51,7 @@ void appendChild(QDomDocument& doc, QDomElement& parent, const QString& tag, con
 // other malformed number.
 unsigned long readChannel(const QString& text)
 {
-    return text.toUInt();
+    return NumberHelpers::qt5IntegerText(text, 10).toUInt();
 }
 
 } // namespace

@@ -1,8 +1,53 @@
 #include "basetypes/numberhelpers.h"
 
+#include "basetypes/numberhelpers_p.h"
+
 #include <QStringList>
 
+#include <cmath>
+
 namespace NumberHelpers {
+
+QString qt5IntegerText(const QString& text, int base)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    QString result = text.trimmed();
+    if (result.startsWith(QChar(0x2212)))
+        result[0] = QLatin1Char('-');
+    if (base == 0 || base == 2 || base == 8) {
+        const int sign = result.startsWith(QLatin1Char('-')) || result.startsWith(QLatin1Char('+')) ? 1 : 0;
+        if (result.size() >= sign + 2 && result.at(sign) == QLatin1Char('0') &&
+            (result.at(sign + 1) == QLatin1Char('b') || result.at(sign + 1) == QLatin1Char('B')))
+            return QString();
+    }
+    return result;
+#else
+    Q_UNUSED(base)
+    return text;
+#endif
+}
+
+QString qt5ShortestText(double value)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    if (!std::isfinite(value))
+        return QString::number(value, 'g', QLocale::FloatingPointShortest);
+    // The exponent form carries the shortest digits and the decimal exponent.
+    const QString exponentForm = QString::number(value, 'e', QLocale::FloatingPointShortest);
+    const int e = exponentForm.indexOf(QLatin1Char('e'));
+    int digits = 0;
+    for (int i = 0; i < e; ++i) {
+        if (exponentForm.at(i).isDigit())
+            ++digits;
+    }
+    const int exponent = QStringView(exponentForm).mid(e + 1).toInt();
+    if (exponent < -4 || exponent > digits + 4)
+        return exponentForm;
+    return QString::number(value, 'f', QLocale::FloatingPointShortest);
+#else
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+#endif
+}
 
 namespace {
 
@@ -13,7 +58,8 @@ T parseInteger(const QString& text, const QLocale& locale, bool* ok, int base, L
                StringConversion byString)
 {
     bool converted = false;
-    const T value = base == 10 ? (locale.*byLocale)(text, &converted) : (text.*byString)(&converted, base);
+    const T value = base == 10 ? (locale.*byLocale)(text, &converted)
+                               : (qt5IntegerText(text, base).*byString)(&converted, base);
     if (ok)
         *ok = converted;
     return converted ? value : T(0);
@@ -23,7 +69,7 @@ template <typename T, typename Wide, typename StringConversion>
 T parseNarrow(const QString& text, bool* ok, int base, StringConversion byString, Wide min, Wide max)
 {
     bool converted = false;
-    const Wide value = (text.*byString)(&converted, base);
+    const Wide value = (qt5IntegerText(text, base).*byString)(&converted, base);
     const bool accepted = converted && value >= min && value <= max;
     if (ok)
         *ok = accepted;
@@ -114,7 +160,7 @@ bool parse<bool>(const QString& text, const QLocale&, bool* ok, int)
     static const QStringList falseWords{QStringLiteral("false"), QStringLiteral("no"), QStringLiteral("off")};
 
     bool converted = false;
-    const short number = text.toShort(&converted, 0);
+    const short number = qt5IntegerText(text, 0).toShort(&converted, 0);
     bool result = false;
     if (converted) {
         const auto bits = static_cast<ushort>(number);

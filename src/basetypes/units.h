@@ -1,6 +1,9 @@
 #ifndef KVBASE_BASETYPES_UNITS_H
 #define KVBASE_BASETYPES_UNITS_H
 
+/// \file basetypes/units.h
+/// \brief Frequency and time units with their texts.
+
 #include "kvbase_export.h"
 
 #include <QList>
@@ -12,33 +15,51 @@
 /// exponent in hertz (kHz = 3), so 10^value converts to hertz. Values are
 /// ordered from Hz up to THz; successor/predecessor step through them within a
 /// caller's allowed set. Thread-safe.
+///
+/// \code
+/// bool ok = false;
+/// FrequencyUnit::Type unit = FrequencyUnit::fromString(QStringLiteral("k"), &ok);   // kHz, ok
+/// double hz = 12.5 * std::pow(10.0, unit);                                         // 12500.0
+/// \endcode
 struct KVBASE_EXPORT FrequencyUnit
 {
     Q_GADGET
 
 public:
+    /// The unit as its decimal exponent in hertz.
     enum Type
     {
-        Hz = 0,
-        kHz = 3,
-        MHz = 6,
-        GHz = 9,
-        THz = 12
+        Hz = 0,  ///< hertz
+        kHz = 3, ///< kilohertz
+        MHz = 6, ///< megahertz
+        GHz = 9, ///< gigahertz
+        THz = 12 ///< terahertz
     };
     Q_ENUM(Type)
 
-    /// Hz, kHz, MHz, GHz, THz.
+    /// \return Hz, kHz, MHz, GHz, THz
     static const QList<Type>& values();
-    /// "Hz", "kHz", ...; empty for a value outside the list.
+    /// \param value a unit
+    /// \return "Hz", "kHz", ...; empty for a value outside the list
     static QString toString(Type value);
-    /// Translated (context "QObject", disambiguation "FrequencyUnit").
+    /// \param value a unit
+    /// \return the unit's text translated (context "QObject", disambiguation
+    ///         "FrequencyUnit"); empty for a value outside the list
     static QString toDisplayString(Type value);
-    /// Prefix match, case-insensitive, first in values() order: "m" is MHz.
+    /// Prefix match of the first word, case-insensitive, first in values()
+    /// order: "m" is MHz (see EnumHelpers::fromString()).
+    /// \param text the text to read
+    /// \param ok   receives whether a unit matched; may be null
+    /// \return the unit; Hz when nothing matched
     static Type fromString(const QString& text, bool* ok = nullptr);
-    /// The next larger unit in `allowed`, or `value` when there is none.
+    /// \param value   the unit to start from
+    /// \param allowed the units to choose from
+    /// \return the next larger unit in `allowed`, or `value` when there is none
     static Type successor(Type value, const QList<Type>& allowed);
-    /// The next smaller unit in `allowed`, or `value` when there is none; never
-    /// Hz, even when allowed.
+    /// \param value   the unit to start from
+    /// \param allowed the units to choose from
+    /// \return the next smaller unit in `allowed`, or `value` when there is
+    ///         none; never Hz, even when allowed
     static Type predecessor(Type value, const QList<Type>& allowed);
 };
 
@@ -51,31 +72,44 @@ struct KVBASE_EXPORT TimeUnit
     Q_GADGET
 
 public:
+    /// Below one second the decimal exponent in seconds, from one second up
+    /// the length in seconds.
     enum Type
     {
-        ns = -9,
-        us = -6,
-        ms = -3,
-        s = 0,
-        m = 60,
-        h = 3600,
-        d = 86400
+        ns = -9,  ///< nanoseconds
+        us = -6,  ///< microseconds
+        ms = -3,  ///< milliseconds
+        s = 0,    ///< seconds
+        m = 60,   ///< minutes
+        h = 3600, ///< hours
+        d = 86400 ///< days
     };
     Q_ENUM(Type)
 
-    /// ns, us, ms, s, m, h, d.
+    /// \return ns, us, ms, s, m, h, d
     static const QList<Type>& values();
-    /// "ns", "us", "ms", ...; empty for a value outside the list.
+    /// \param value a unit
+    /// \return "ns", "us", "ms", ...; empty for a value outside the list
     static QString toString(Type value);
-    /// Translated (context "QObject", disambiguation "TimeUnit"); the
-    /// microsecond unit shows as "µs" with the micro sign U+00B5.
+    /// \param value a unit
+    /// \return the unit's text translated (context "QObject", disambiguation
+    ///         "TimeUnit"); the microsecond unit shows as "µs" with the micro
+    ///         sign U+00B5; empty for a value outside the list
     static QString toDisplayString(Type value);
-    /// Prefix match, case-insensitive, first in values() order: "m" is ms.
+    /// Prefix match of the first word, case-insensitive, first in values()
+    /// order: "m" is ms (see EnumHelpers::fromString()).
+    /// \param text the text to read
+    /// \param ok   receives whether a unit matched; may be null
+    /// \return the unit; ns when nothing matched
     static Type fromString(const QString& text, bool* ok = nullptr);
-    /// The next larger unit in `allowed`, or `value` when there is none.
+    /// \param value   the unit to start from
+    /// \param allowed the units to choose from
+    /// \return the next larger unit in `allowed`, or `value` when there is none
     static Type successor(Type value, const QList<Type>& allowed);
-    /// The next smaller unit in `allowed`, or `value` when there is none; never
-    /// ns, even when allowed.
+    /// \param value   the unit to start from
+    /// \param allowed the units to choose from
+    /// \return the next smaller unit in `allowed`, or `value` when there is
+    ///         none; never ns, even when allowed
     static Type predecessor(Type value, const QList<Type>& allowed);
 };
 

@@ -1,6 +1,9 @@
 #ifndef KVBASE_COORD_ARRAYRESULT_H
 #define KVBASE_COORD_ARRAYRESULT_H
 
+/// \file coord/arrayresult.h
+/// \brief What a conversion of arrays of positions reports.
+
 #include "kvbase_export.h"
 
 #include <QString>

@@ -5,6 +5,7 @@
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 
+#include "basetypes/numberhelpers_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
 #include "coord/latin1text_p.h"
@@ -139,23 +140,27 @@ int millionths(double a)
     return int(std::trunc((a - std::trunc(a)) * 1000000.0 + 0.5));
 }
 
-// text.mid(pos, length).toInt() without building the piece: plain ASCII digits are
-// read here, anything else (signs, blanks, other digits) as toInt reads it.
-int intAt(const QString& text, int pos, int length)
+// A number field of a raw text, text.mid(pos, length) read as Qt 5 read it in either
+// Qt build; an unreadable field counts as 0. Plain ASCII digits are read here without
+// building the piece, anything else (signs, blanks, other digits) the long way.
+int field(const QString& text, int pos, int length)
 {
-    const int end = qMin(text.size(), pos + length);
+    const int end = qMin(int(text.size()), pos + length);
     if (pos >= end)
         return 0;
-    if (end - pos > 9)
-        return text.mid(pos, length).toInt();
-    int value = 0;
-    for (int i = pos; i < end; ++i) {
-        const ushort c = text.at(i).unicode();
-        if (c < '0' || c > '9')
-            return text.mid(pos, length).toInt();
-        value = value * 10 + (c - '0');
+    if (end - pos <= 9) {
+        int value = 0;
+        int i = pos;
+        for (; i < end; ++i) {
+            const ushort c = text.at(i).unicode();
+            if (c < '0' || c > '9')
+                break;
+            value = value * 10 + (c - '0');
+        }
+        if (i == end)
+            return value;
     }
-    return value;
+    return NumberHelpers::qt5IntegerText(text.mid(pos, length), 10).toInt();
 }
 
 // Half a hundredth of a second puts a read value into the middle of the
@@ -163,10 +168,10 @@ int intAt(const QString& text, int pos, int length)
 double readSexagesimal(const QString& text, int degreesPos, int degreesLength, bool withHundredths)
 {
     const int minutesPos = degreesPos + degreesLength;
-    const int degrees = intAt(text, degreesPos, degreesLength);
-    const int minutes = intAt(text, minutesPos, 2);
-    const int seconds = intAt(text, minutesPos + 2, 2);
-    const int hundredths = withHundredths ? intAt(text, minutesPos + 4, 2) : 0;
+    const int degrees = field(text, degreesPos, degreesLength);
+    const int minutes = field(text, minutesPos, 2);
+    const int seconds = field(text, minutesPos + 2, 2);
+    const int hundredths = withHundredths ? field(text, minutesPos + 4, 2) : 0;
     return (hundredths / 100.0 + seconds + 0.005) / 3600.0 + minutes / 60.0 + degrees;
 }
 
@@ -376,8 +381,8 @@ void Coord::SetText(const QString& text, CoordFormat format)
 
     switch (format) {
     case cfGeoDecimal:
-        lon = intAt(text, 4, 6) * 1e-6 + intAt(text, 1, 3);
-        lat = intAt(text, 13, 6) * 1e-6 + intAt(text, 11, 2);
+        lon = field(text, 4, 6) * 1e-6 + field(text, 1, 3);
+        lat = field(text, 13, 6) * 1e-6 + field(text, 11, 2);
         break;
     case cfGeoLong:
     case cfGeoShort:
@@ -393,7 +398,7 @@ void Coord::SetText(const QString& text, CoordFormat format)
         break;
     }
     case cfUTM:
-        UTMtoLL(Geodesy::kLegacyUtmWgs84, intAt(text, 10, 7), intAt(text, 3, 7), text.mid(0, 3), lat, lon);
+        UTMtoLL(Geodesy::kLegacyUtmWgs84, field(text, 10, 7), field(text, 3, 7), text.mid(0, 3), lat, lon);
         break;
     case cfMGRS:
         CMercCoordTrans().GR2LL(text, kMgrsReferenceGrid, lat, lon);

@@ -5,11 +5,11 @@
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 
+#include "basetypes/numberhelpers_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
 #include "coord/latin1text_p.h"
 
-#include <QLocale>
 #include <QRegularExpression>
 
 #include <charconv>
@@ -202,8 +202,8 @@ int CoordToSWEREF99String(QString& out, double lon, double lat, TCoordFormat for
     if (format != TCoordFormatSWEREF99 || !std::isfinite(lon) || !std::isfinite(lat))
         return 1;
     const GeoPoint p = wgs84ToSweref99({lat, lon});
-    out = QStringLiteral("%1;%2").arg(QString::number(p.lon, 'g', QLocale::FloatingPointShortest),
-                                      QString::number(p.lat, 'g', QLocale::FloatingPointShortest));
+    out = QStringLiteral("%1;%2").arg(NumberHelpers::qt5ShortestText(p.lon),
+                                      NumberHelpers::qt5ShortestText(p.lat));
     return 0;
 }
 

@@ -64,7 +64,11 @@ unsigned short KvTextFile::WriteLine(const std::string& text)
 {
     QTextStream stream(&m_File);
     // Latin-1 maps every byte to itself, so the bytes reach the file unchanged.
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    stream.setEncoding(QStringConverter::Latin1);
+#else
     stream.setCodec("ISO-8859-1");
+#endif
     stream << QString::fromLatin1(text.data(), static_cast<int>(text.size())) << Qt::endl;
     m_File.flush();
     return static_cast<unsigned short>(text.size() + 2);

@@ -1,12 +1,18 @@
 #ifndef KVBASE_JSONWEBTOKEN_ENUMS_H
 #define KVBASE_JSONWEBTOKEN_ENUMS_H
 
+/// \file jsonwebtoken/enums.h
+/// \brief The vocabulary of JSON Web Tokens: algorithms, header parameters,
+/// claims and verification results.
+
 #include "kvbase_export.h"
 
 #include <QObject>
 #include <QString>
 #include <QVector>
 
+/// JSON Web Tokens (RFC 7519) signed with HMAC: Token with its Header and
+/// Payload, the enumeration structs of their vocabulary, and ContentSerializer.
 namespace jsonWebToken {
 
 /// MAC algorithms of a token's "alg" header parameter; only HMAC is supported.
@@ -18,6 +24,7 @@ struct KVBASE_EXPORT SignatureAlgorithm
 {
     Q_GADGET
 public:
+    /// The algorithms.
     enum Type
     {
         None = 0, ///< no MAC: the signature is empty
@@ -27,9 +34,14 @@ public:
     };
     Q_ENUM(Type)
 
+    /// \param value an algorithm
+    /// \return "None", "HS256", "HS384" or "HS512"; empty outside the enum
     static QString toString(Type value);
+    /// \param text the text to read
+    /// \param ok   receives whether an algorithm matched; may be null
+    /// \return the algorithm; None when nothing matched
     static Type fromString(const QString& text, bool* ok);
-    /// None, HS256, HS384, HS512.
+    /// \return None, HS256, HS384, HS512
     static const QVector<Type>& values();
 };
 
@@ -41,6 +53,7 @@ struct KVBASE_EXPORT HeaderParameter
 {
     Q_GADGET
 public:
+    /// The parameters, with their JSON names and value types.
     enum Type
     {
         Algorithm = 0,    ///< "alg", SignatureAlgorithm::Type
@@ -53,10 +66,14 @@ public:
     };
     Q_ENUM(Type)
 
-    /// The JSON member name.
+    /// \param value a parameter
+    /// \return the JSON member name; empty for ContentType and outside the enum
     static QString toString(Type value);
+    /// \param text the text to read
+    /// \param ok   receives whether a parameter matched; may be null
+    /// \return the parameter; Algorithm when nothing matched
     static Type fromString(const QString& text, bool* ok);
-    /// Every value but ContentType, in ascending order.
+    /// \return every value but ContentType, in ascending order
     static const QVector<Type>& values();
 };
 
@@ -66,6 +83,7 @@ struct KVBASE_EXPORT Claim
 {
     Q_GADGET
 public:
+    /// The claims, with their JSON names and value types.
     enum Type
     {
         Audience = 0,       ///< "aud", QString
@@ -79,9 +97,14 @@ public:
     };
     Q_ENUM(Type)
 
-    /// The JSON member name.
+    /// \param value a claim
+    /// \return the JSON member name; empty outside the enum
     static QString toString(Type value);
+    /// \param text the text to read
+    /// \param ok   receives whether a claim matched; may be null
+    /// \return the claim; Audience when nothing matched
     static Type fromString(const QString& text, bool* ok);
+    /// \return every claim, in ascending order
     static const QVector<Type>& values();
 };
 
@@ -93,6 +116,7 @@ struct KVBASE_EXPORT VerificationError
 {
     Q_GADGET
 public:
+    /// The outcomes.
     enum Type
     {
         Unknown = 0,
@@ -109,10 +133,17 @@ public:
     };
     Q_ENUM(Type)
 
+    /// \param value an outcome
+    /// \return the key name, e.g. "TokenExpired"; empty outside the enum
     static QString toString(Type value);
-    /// The same text as toString.
+    /// \param value an outcome
+    /// \return the same text as toString()
     static QString toDisplayString(Type value);
+    /// \param text the text to read
+    /// \param ok   receives whether an outcome matched; may be null
+    /// \return the outcome; Unknown when nothing matched
     static Type fromString(const QString& text, bool* ok);
+    /// \return every outcome, in ascending order
     static const QVector<Type>& values();
 };
 

@@ -49,7 +49,7 @@ KVBASE_EXPORT std::optional<JwsAlgorithm> jwsAlgorithmFromName(const QString& na
 /// Signs a JSON Web Token in the compact serialisation of RFC 7515:
 /// BASE64URL(header) "." BASE64URL(payload) "." BASE64URL(signature).
 ///
-/// The header is {"alg":<name>,"typ":"JWT"} with the members of `extraHeader`
+/// The header is {"alg":\<name\>,"typ":"JWT"} with the members of `extraHeader`
 /// added ("kid", "cty", or a "typ" that replaces "JWT"; an "alg" there is
 /// ignored). Header and payload are written as compact JSON with members in
 /// sorted order and non-ASCII text as UTF-8; the signature covers exactly

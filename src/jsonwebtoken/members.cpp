@@ -2,6 +2,7 @@
 
 #include "jsonwebtoken/jsonwriter_p.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
@@ -58,6 +59,30 @@ qint64 secondsFromVariant(const QVariant& stored)
     return ok ? clampSeconds(seconds) : 0;
 }
 
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+// Qt 5 wrote every JSON number through a double, so integers beyond 2^53 lost
+// their last digits; Qt 6 writes them exactly. Signatures cover the written
+// text, so both builds must write Qt 5's digits to verify each other's tokens.
+QJsonValue withQt5Numbers(const QJsonValue& value)
+{
+    if (value.isDouble())
+        return QJsonValue(value.toDouble());
+    if (value.isArray()) {
+        QJsonArray array = value.toArray();
+        for (auto it = array.begin(); it != array.end(); ++it)
+            *it = withQt5Numbers(*it);
+        return array;
+    }
+    if (value.isObject()) {
+        QJsonObject object = value.toObject();
+        for (auto it = object.begin(); it != object.end(); ++it)
+            *it = withQt5Numbers(*it);
+        return object;
+    }
+    return value;
+}
+#endif
+
 } // namespace
 
 QVariant toStored(const QString& value)
@@ -111,7 +136,12 @@ QByteArray encode(const Map& members)
     segment.reserve(256);
     if (Json::appendVariantMap(segment, members))
         return segment;
-    return QJsonDocument(QJsonObject::fromVariantMap(members))
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    const QJsonObject object = withQt5Numbers(QJsonObject::fromVariantMap(members)).toObject();
+#else
+    const QJsonObject object = QJsonObject::fromVariantMap(members);
+#endif
+    return QJsonDocument(object)
         .toJson(QJsonDocument::Compact)
         .toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
 }

@@ -1,6 +1,9 @@
 #ifndef KVBASE_JSONWEBTOKEN_TOKEN_H
 #define KVBASE_JSONWEBTOKEN_TOKEN_H
 
+/// \file jsonwebtoken/token.h
+/// \brief Signed JSON Web Tokens in compact form.
+
 #include "kvbase_export.h"
 
 #include "jsonwebtoken/enums.h"
@@ -20,47 +23,93 @@ namespace jsonWebToken {
 /// whose sender spaced or ordered its JSON differently does not verify.
 /// A value class. The encoded segments are cached lazily even by const
 /// functions, so one object must not be used from two threads at once.
+///
+/// \code
+/// Token token;
+/// token.setPayload(Payload().with<Claim::Issuer>(QStringLiteral("dispatch")))
+///     .signWith(key, SignatureAlgorithm::HS256);
+/// const QByteArray text = token.value();                    // "eyJhbGciOi..."
+/// const boost::optional<Token> received = Token::fromValue(text);
+/// if (received && received->verify(key, SignatureAlgorithm::HS256, QDateTime::currentDateTimeUtc()) ==
+///                     VerificationError::NoError)
+///     accept(*received);
+/// \endcode
 class KVBASE_EXPORT Token
 {
 public:
+    /// A default Header ("alg" None), no claims, empty signature.
     Token();
+    /// \param other the token to copy
     Token(const Token& other);
+    /// \param other the token to take; left valid but unspecified
     Token(Token&& other) noexcept;
+    /// \param other the token to copy
+    /// \return this token
     Token& operator=(const Token& other);
+    /// \param other the token to take; left valid but unspecified
+    /// \return this token
     Token& operator=(Token&& other) noexcept;
     ~Token();
 
     /// Equal signatures, headers and payloads; the caches do not count.
+    /// \param other the token to compare with
+    /// \return true when equal
     bool operator==(const Token& other) const;
+    /// \param other the token to compare with
+    /// \return the negation of operator==()
     bool operator!=(const Token& other) const;
 
+    /// \return the header
     const Header& header() const { return m_header; }
+    /// \return the payload
     const Payload& payload() const { return m_payload; }
 
     /// Replacing the header or payload keeps the signature: sign again.
+    /// \param header the new header
+    /// \return this token
     Token& setHeader(Header header);
+    /// Replacing the payload keeps the signature: sign again.
+    /// \param payload the new payload
+    /// \return this token
     Token& setPayload(Payload payload);
-    /// The raw MAC bytes, not encoded.
+    /// \param signature the raw MAC bytes, not encoded
+    /// \return this token
     Token& setSignature(QByteArray signature);
+    /// \return the raw MAC bytes, not encoded
     const QByteArray& signature() const { return m_signature; }
 
     /// Stores `algorithm` (if given) as "alg", then signs with the header's
-    /// algorithm. Throws boost::bad_optional_access when the header has no "alg".
+    /// algorithm.
+    /// \param key       the HMAC key, any length
+    /// \param algorithm the algorithm to store, or none to keep the header's
+    /// \return this token
+    /// \throw boost::bad_optional_access when the header has no "alg"
     Token& signWith(const QByteArray& key, boost::optional<SignatureAlgorithm::Type> algorithm);
-    /// True when the header's "alg" is `algorithm` and the signature is its MAC
-    /// with `key` (compared in constant time); None verifies an empty signature.
-    /// Throws boost::bad_optional_access when the header has no "alg".
+    /// Checks the signature only.
+    /// \param key       the HMAC key
+    /// \param algorithm the algorithm the caller expects
+    /// \return true when the header's "alg" is `algorithm` and the signature is
+    ///         its MAC with `key` (compared in constant time); None verifies an
+    ///         empty signature
+    /// \throw boost::bad_optional_access when the header has no "alg"
     bool verifySignature(const QByteArray& key, SignatureAlgorithm::Type algorithm) const;
     /// With `now`: TokenExpired when now >= "exp", TokenNotYetValid when
     /// now < "nbf" (each only when present, no leeway); then SignatureInvalid
-    /// or NoError from verifySignature. No other claim is looked at.
+    /// or NoError from verifySignature(). No other claim is looked at.
+    /// \param key       the HMAC key
+    /// \param algorithm the algorithm the caller expects
+    /// \param now       the time to check "exp" and "nbf" against; none skips both
+    /// \return NoError, TokenExpired, TokenNotYetValid or SignatureInvalid
+    /// \throw boost::bad_optional_access when the header has no "alg"
     VerificationError::Type verify(const QByteArray& key, SignatureAlgorithm::Type algorithm,
                                    boost::optional<const QDateTime&> now) const;
 
-    /// The compact serialisation; it ends in "." when the signature is empty.
+    /// \return the compact serialisation; it ends in "." when the signature is empty
     QByteArray value() const;
-    /// Empty unless `text` has exactly three "."-separated parts whose first two
-    /// are valid header and payload segments. Never throws.
+    /// Reads a compact serialisation. Never throws.
+    /// \param text header.payload.signature
+    /// \return the token; empty unless `text` has exactly three "."-separated
+    ///         parts whose first two are valid header and payload segments
     static boost::optional<Token> fromValue(const QByteArray& text);
 
 private:

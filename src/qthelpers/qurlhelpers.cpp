@@ -53,7 +53,7 @@ QUrl urlFromMirelTcpHostPortString(const QString& text)
         return QUrl();
 
     bool ok = false;
-    int port = match.capturedRef(2).toInt(&ok, 10);
+    int port = match.capturedView(2).toInt(&ok, 10);
     // Too many digits for an int: still out of range, so QUrl marks the URL
     // invalid instead of it silently becoming port 0.
     if (!ok)

@@ -1,6 +1,9 @@
 #ifndef KVBASE_QTHELPERS_SIGNALHANDLER_H
 #define KVBASE_QTHELPERS_SIGNALHANDLER_H
 
+/// \file qthelpers/signalhandler.h
+/// \brief Connecting a Qt signal to a stored callable.
+
 #include "kvbase_export.h"
 
 #include <QModelIndex>
@@ -20,11 +23,19 @@ namespace QObjectHelpers {
 /// Connects a Qt signal to a stored callable, so no receiver class is needed.
 /// Owned by its Qt parent (by default the sender, so it lives as long as the
 /// sender) and called in the parent's thread. One thread at a time.
+///
+/// \code
+/// // React to a signal without a receiver class; the handler dies with the sender.
+/// QObjectHelpers::SignalHandler::connectHandler<void()>(qApp, SIGNAL(aboutToQuit()), [] { saveState(); });
+/// \endcode
 class KVBASE_EXPORT SignalHandler : public QObject
 {
     Q_OBJECT
 
 public:
+    /// A handler without callable; createHandler() and connectHandler() make
+    /// and fill one.
+    /// \param parent owner, may be null
     explicit SignalHandler(QObject* parent);
     ~SignalHandler() override;
 
@@ -32,6 +43,10 @@ public:
     /// of the same signature. Signature is one of void(), void(bool), void(int),
     /// void(long), void(double), void(const QString&), void(QAction*),
     /// void(QObject*) and void(const QModelIndex&, const QModelIndex&).
+    /// \tparam Signature the callable's signature, as listed
+    /// \param callable called by onSignal(); an empty one makes onSignal() do nothing
+    /// \param parent   owner, may be null
+    /// \return the handler, never null
     template <typename Signature>
     static SignalHandler* createHandler(const std::function<Signature>& callable, QObject* parent = nullptr)
     {
@@ -42,8 +57,15 @@ public:
     }
 
     /// Calls `callable` whenever `signal` (SIGNAL() text) of `sender` is emitted.
-    /// A null `parent` makes the sender the handler's parent. Returns null,
-    /// leaving nothing behind, when sender or signal is null or the connection fails.
+    /// Call it in the thread of the handler's parent.
+    /// \tparam Signature the signal's signature, one of those of createHandler()
+    /// \param sender   the object that emits
+    /// \param signal   SIGNAL() text of the sender's signal
+    /// \param callable what to call on every emission
+    /// \param parent   owner of the handler; null makes the sender its parent
+    /// \param type     connection type
+    /// \return the handler, or null, leaving nothing behind, when sender or
+    ///         signal is null or the connection fails
     template <typename Signature>
     static SignalHandler* connectHandler(const QObject* sender, const char* signal,
                                          const std::function<Signature>& callable, QObject* parent = nullptr,
@@ -58,14 +80,32 @@ public:
     }
 
 public Q_SLOTS:
+    /// Calls the stored void() callable, if any.
     void onSignal();
+    /// Calls the stored callable of this signature, if any.
+    /// \param value passed on
     void onSignal(bool value);
+    /// Calls the stored callable of this signature, if any.
+    /// \param value passed on
     void onSignal(int value);
+    /// Calls the stored callable of this signature, if any.
+    /// \param value passed on
     void onSignal(long value);
+    /// Calls the stored callable of this signature, if any.
+    /// \param value passed on
     void onSignal(double value);
+    /// Calls the stored callable of this signature, if any.
+    /// \param value passed on
     void onSignal(const QString& value);
+    /// Calls the stored callable of this signature, if any.
+    /// \param action passed on
     void onSignal(QAction* action);
+    /// Calls the stored callable of this signature, if any.
+    /// \param object passed on
     void onSignal(QObject* object);
+    /// Calls the stored callable of this signature, if any.
+    /// \param first  passed on
+    /// \param second passed on
     void onSignal(const QModelIndex& first, const QModelIndex& second);
 
 private:
