@@ -23,6 +23,7 @@ struct KVBASE_EXPORT ArrayResult
     /// latitude 91.5 is outside -90 to 90"; empty when none failed.
     QString error;
 
+    /// \return true when every point was converted
     bool ok() const { return failed == 0; }
 };
 
