@@ -5,9 +5,9 @@
 // reason of the first only, so that a long run of bad points costs no texts. Not part
 // of the API.
 
+#include "basetypes/numberhelpers_p.h"
 #include "coord/arrayresult.h"
 
-#include <QLocale>
 #include <QString>
 
 #include <algorithm>
@@ -48,10 +48,11 @@ private:
     ArrayResult m_result;
 };
 
-/// A value for an error text, in its shortest exact form ("91.5", "nan").
+/// A value for an error text, in its shortest exact form ("91.5", "nan"), as Qt 5 wrote
+/// it in either Qt build.
 inline QString arrayValueText(double v)
 {
-    return QString::number(v, 'g', QLocale::FloatingPointShortest);
+    return NumberHelpers::qt5ShortestText(v);
 }
 
 /// False when there are points but one of the arrays is missing.
