@@ -411,10 +411,10 @@ constexpr double kArc2Bound = 27.1 * RoundingCheck::kU;
 constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
 
 // meridionalArc from sines and cosines of dp = phi - phi0 and sp = phi + phi0 that are
-// the library's or within sinError and cosError (absolute) of them: the terms of the doubled and
-// tripled angles, whose coefficients n^2 and n^3 make them small, come from identities,
-// and so does the first term's product where the sines are not the library's. False
-// (arc untouched) where the sums might round apart from the plain formula's.
+// the library's or within sinError and cosError (absolute) of them: the terms of the
+// doubled and tripled angles, whose coefficients n^2 and n^3 make them small, come from
+// identities, and the first term is proved too where the sines are not the library's.
+// False (arc untouched) where the sums might round apart from the plain formula's.
 bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
                            double sinSp, double cosSp, double sinError, double cosError, double& arc)
 {

@@ -205,8 +205,8 @@ struct OsSeries
     /// True where the shortcut takes the sines and cosines of dp and sp from those of
     /// the latitude (origin at or near the equator).
     bool fromPhi;
-    /// At most 1 - M'/aF0 in size for every latitude: each step of the inverse's
-    /// iteration leaves at most this fraction of the residual.
+    /// The largest |1 - M'/aF0| over all latitudes (M the meridional arc): each step
+    /// of the inverse's iteration leaves at most this fraction of the residual.
     double contraction;
 };
 /// The series of grid g (1 to 18, the rows of gridRow), built on first use.
@@ -362,7 +362,8 @@ struct NationalGridDefinition
     int squaresNorth; ///< and north of it
 };
 /// Ordnance Survey National Grid (OSGB36): the 500 km squares S, T, N, O, H, J.
-constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0, 10, 15};
+constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0,
+                                                        10,   15};
 /// Irish Grid (Ireland 1965): 5 x 5 squares A to Z without I.
 constexpr NationalGridDefinition kIrishGridDefinition{53.5, -8.0, 1.000035, 200000.0, 250000.0, 5, 5};
 
