@@ -2,7 +2,8 @@
 # Sets up a Debian 12 machine (as root) and builds KvBase.
 #   ./setup.sh run      build and start kvtool, further arguments go to it (Qt 5; KVBASE_QT=6 for Qt 6)
 #   ./setup.sh test     build against Qt 5 and Qt 6 and run every test of both through CTest
-#   ./setup.sh bench    build and run the benchmarks (with the peer libraries)
+#   ./setup.sh bench    build and run the benchmarks (with the peer libraries), print the
+#                       table of medians and ratios and write it into README.md
 #   ./setup.sh package  build the Debian packages of both Qt versions into packages/
 #   ./setup.sh docs     build the API reference into build/docs/html
 # KVBASE_QT=5 or 6 limits test and package to one Qt version and picks the one
@@ -36,7 +37,7 @@ case "$mode" in
     run) ;;
     test) packages+=(pkg-config dpkg-dev file doxygen python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin python3)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_base=${KVBASE_BUILD_DIR:-build-bench}
         ;;
@@ -114,9 +115,9 @@ case "$mode" in
         ;;
     bench)
         build "${qt_versions[0]}"
-        for b in "$(build_dir_for "${qt_versions[0]}")"/bench/bench_*; do
-            if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
-        done
+        # One table of medians with ratios to the peers, also written into README.md;
+        # then kvtool's batch run against GeoConvert and cs2cs.
+        python3 bench/bench_table.py --build-dir "$(build_dir_for "${qt_versions[0]}")" --readme README.md "$@"
         bench/bench_kvtool.sh "$(kvtool_for "${qt_versions[0]}")"
         ;;
     package)

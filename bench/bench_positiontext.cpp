@@ -118,7 +118,7 @@ void KvBase_FormatEach(benchmark::State& state)
     const Position p = placeOf(n);
     for (auto _ : state)
         benchmark::DoNotOptimize(PositionText::format(p.lat, p.lon, n));
-    state.SetLabel(PositionText::name(n).toStdString());
+    state.SetLabel("PositionText::format " + PositionText::name(n).toStdString());
 }
 
 void KvBase_ParseEach(benchmark::State& state)
@@ -128,22 +128,29 @@ void KvBase_ParseEach(benchmark::State& state)
     const QString text = PositionText::format(p.lat, p.lon, n);
     for (auto _ : state)
         benchmark::DoNotOptimize(PositionText::parse(text));
-    state.SetLabel(PositionText::name(n).toStdString());
+    state.SetLabel("PositionText::parse " + PositionText::name(n).toStdString());
 }
 
 } // namespace
 
-BENCHMARK(KvBase_FormatEach)->DenseRange(0, 8);
-BENCHMARK(KvBase_ParseEach)->DenseRange(0, 8);
-BENCHMARK_CAPTURE(KvBase_Format, UTM, Notation::UTM);
-BENCHMARK_CAPTURE(GeoCoords_Format, UTM, false);
-BENCHMARK_CAPTURE(KvBase_Format, MGRS, Notation::MGRS);
-BENCHMARK_CAPTURE(GeoCoords_Format, MGRS, true);
-BENCHMARK_CAPTURE(KvBase_Parse, UTM_detected, Notation::UTM, false);
-BENCHMARK_CAPTURE(KvBase_Parse, UTM_given, Notation::UTM, true);
-BENCHMARK_CAPTURE(GeoCoords_Parse, UTM, false);
-BENCHMARK_CAPTURE(KvBase_Parse, MGRS_detected, Notation::MGRS, false);
-BENCHMARK_CAPTURE(KvBase_Parse, MGRS_given, Notation::MGRS, true);
-BENCHMARK_CAPTURE(GeoCoords_Parse, MGRS, true);
+// Names after bench_table.py's convention, BM_<operation>/KvBase beside its peer.
+BENCHMARK(KvBase_FormatEach)->DenseRange(0, 8)->Name("BM_PositionText_format_each/KvBase");
+BENCHMARK(KvBase_ParseEach)->DenseRange(0, 8)->Name("BM_PositionText_parse_each/KvBase");
+BENCHMARK_CAPTURE(KvBase_Format, UTM, Notation::UTM)->Name("BM_PositionText_format_UTM_UPS/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Format, UTM, false)->Name("BM_PositionText_format_UTM_UPS/GeographicLib");
+BENCHMARK_CAPTURE(KvBase_Format, MGRS, Notation::MGRS)->Name("BM_PositionText_format_MGRS/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Format, MGRS, true)->Name("BM_PositionText_format_MGRS/GeographicLib");
+BENCHMARK_CAPTURE(KvBase_Parse, UTM_detected, Notation::UTM, false)
+    ->Name("BM_PositionText_parse_UTM_UPS_detected/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Parse, UTM, false)->Name("BM_PositionText_parse_UTM_UPS_detected/GeographicLib");
+BENCHMARK_CAPTURE(KvBase_Parse, UTM_given, Notation::UTM, true)
+    ->Name("BM_PositionText_parse_UTM_UPS_given/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Parse, UTM, false)->Name("BM_PositionText_parse_UTM_UPS_given/GeographicLib");
+BENCHMARK_CAPTURE(KvBase_Parse, MGRS_detected, Notation::MGRS, false)
+    ->Name("BM_PositionText_parse_MGRS_detected/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Parse, MGRS, true)->Name("BM_PositionText_parse_MGRS_detected/GeographicLib");
+BENCHMARK_CAPTURE(KvBase_Parse, MGRS_given, Notation::MGRS, true)
+    ->Name("BM_PositionText_parse_MGRS_given/KvBase");
+BENCHMARK_CAPTURE(GeoCoords_Parse, MGRS, true)->Name("BM_PositionText_parse_MGRS_given/GeographicLib");
 
 BENCHMARK_MAIN();

@@ -114,13 +114,14 @@ void BM_parseDouble_German(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(BM_TimeStamp2QString_dense);
-BENCHMARK(BM_QDateTime_dense);
-BENCHMARK(BM_TimeStamp2QString_sparse);
-BENCHMARK(BM_QDateTime_sparse);
-BENCHMARK(BM_parseInt_C);
-BENCHMARK(BM_parseInt_German);
-BENCHMARK(BM_parseDouble_C);
-BENCHMARK(BM_parseDouble_German);
+// Names after bench_table.py's convention: BM_<operation>/KvBase beside its peer.
+BENCHMARK(BM_TimeStamp2QString_dense)->Name("BM_TimeStampText_100_a_second/KvBase");
+BENCHMARK(BM_QDateTime_dense)->Name("BM_TimeStampText_100_a_second/QDateTime");
+BENCHMARK(BM_TimeStamp2QString_sparse)->Name("BM_TimeStampText_sparse/KvBase");
+BENCHMARK(BM_QDateTime_sparse)->Name("BM_TimeStampText_sparse/QDateTime");
+BENCHMARK(BM_parseInt_C)->Name("BM_parse_int_C_locale/KvBase");
+BENCHMARK(BM_parseInt_German)->Name("BM_parse_int_German_locale/KvBase");
+BENCHMARK(BM_parseDouble_C)->Name("BM_parse_double_C_locale/KvBase");
+BENCHMARK(BM_parseDouble_German)->Name("BM_parse_double_German_locale/KvBase");
 
 BENCHMARK_MAIN();

@@ -12,6 +12,7 @@
 #include "basetypes/numberhelpers.h"
 #include "basetypes/timestamp2qstring.h"
 #include "basetypes/units.h"
+#include "coord/arrayresult.h"
 #include "coord/coord.h"
 #include "coord/maskconverter.h"
 #include "coord/merccoordtrans.h"

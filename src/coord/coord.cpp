@@ -8,6 +8,8 @@
 #include "basetypes/numberhelpers_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
+#include "coord/latin1text_p.h"
+#include "coord/maskconverter_p.h"
 
 #include <QCoreApplication>
 
@@ -138,10 +140,26 @@ int millionths(double a)
     return int(std::trunc((a - std::trunc(a)) * 1000000.0 + 0.5));
 }
 
-// A number field of a raw text, read as Qt 5 read it in either Qt build; an
-// unreadable field counts as 0.
+// A number field of a raw text, text.mid(pos, length) read as Qt 5 read it in either
+// Qt build; an unreadable field counts as 0. Plain ASCII digits are read here without
+// building the piece, anything else (signs, blanks, other digits) the long way.
 int field(const QString& text, int pos, int length)
 {
+    const int end = qMin(int(text.size()), pos + length);
+    if (pos >= end)
+        return 0;
+    if (end - pos <= 9) {
+        int value = 0;
+        int i = pos;
+        for (; i < end; ++i) {
+            const ushort c = text.at(i).unicode();
+            if (c < '0' || c > '9')
+                break;
+            value = value * 10 + (c - '0');
+        }
+        if (i == end)
+            return value;
+    }
     return NumberHelpers::qt5IntegerText(text.mid(pos, length), 10).toInt();
 }
 
@@ -189,8 +207,10 @@ QString utmText(double lon, double lat)
     const double northing = r.point->grid.northing + 0.5;
     if (!fitsInt(easting) || !fitsInt(northing))
         return QString();
-    return QString::asprintf(kNotations[cfUTM].format, r.point->zone, int(r.point->band),
-                             int(std::trunc(easting)), int(std::trunc(northing)));
+    return Geodesy::Latin1Text()
+        .format(kNotations[cfUTM].format,
+                {r.point->zone, r.point->band, long(std::trunc(easting)), long(std::trunc(northing))})
+        .toString();
 }
 
 // LL2GR's "#" texts pass as they are; "Invalid" (no letters) gives no text.
@@ -200,8 +220,14 @@ QString mgrsText(double lon, double lat)
     if (!r.reference)
         return r.failure[0] == '#' ? QString::fromLatin1(r.failure) : QString();
     const Geodesy::GridReference& ref = *r.reference;
-    return QString::asprintf("%02ld%c%c%c%05d%05d", ref.zone, ref.band, ref.letters.at(0).toLatin1(),
-                             ref.letters.at(1).toLatin1(), ref.easting, ref.northing);
+    return Geodesy::Latin1Text()
+        .put(ref.zone, 2)
+        .put(ref.band)
+        .put(ref.letters[0])
+        .put(ref.letters[1])
+        .put(ref.easting, 5)
+        .put(ref.northing, 5)
+        .toString();
 }
 
 QString sweref99Text(double lon, double lat)
@@ -215,9 +241,11 @@ QString sweref99Text(double lon, double lat)
     // meant for hundredths; stored texts carry it that way.
     const Sexagesimal sx = splitDegrees(std::fabs(x), 0.0, 100.0);
     const Sexagesimal sy = splitDegrees(std::fabs(y), 0.0, 1000.0);
-    return QString::asprintf(kNotations[cfSWEREF99].format, x < 0 ? 'W' : 'E', sx.degrees, sx.minutes,
-                             sx.seconds, sx.fraction, y < 0 ? 'S' : 'N', sy.degrees, sy.minutes, sy.seconds,
-                             sy.fraction);
+    return Geodesy::Latin1Text()
+        .format(kNotations[cfSWEREF99].format,
+                {x < 0 ? 'W' : 'E', sx.degrees, sx.minutes, sx.seconds, sx.fraction, y < 0 ? 'S' : 'N',
+                 sy.degrees, sy.minutes, sy.seconds, sy.fraction})
+        .toString();
 }
 
 QString maidenheadText(double lon, double lat)
@@ -296,13 +324,17 @@ QString Coord::GetText(CoordFormat format) const
 
     switch (format) {
     case cfGeoDecimal:
-        return QString::asprintf(GetFmt(format), lonHemisphere, int(lonAbs), millionths(lonAbs),
-                                 latHemisphere, int(latAbs), millionths(latAbs));
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, long(int(lonAbs)), millionths(lonAbs), latHemisphere,
+                                     long(int(latAbs)), millionths(latAbs)})
+            .toString();
     case cfGeoLong: {
         const Sexagesimal x = splitDegrees(lonAbs, 0.0, 100.0);
         const Sexagesimal y = splitDegrees(latAbs, 5e-7, 100.0);
-        return QString::asprintf(GetFmt(format), lonHemisphere, x.degrees, x.minutes, x.seconds, x.fraction,
-                                 latHemisphere, y.degrees, y.minutes, y.seconds, y.fraction);
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, x.degrees, x.minutes, x.seconds, x.fraction,
+                                     latHemisphere, y.degrees, y.minutes, y.seconds, y.fraction})
+            .toString();
     }
     case cfGeoShort: {
         Sexagesimal parts[2] = {splitDegrees(lonAbs, 0.0, 100.0), splitDegrees(latAbs, 5e-7, 100.0)};
@@ -318,9 +350,10 @@ QString Coord::GetText(CoordFormat format) const
                 ++p.degrees;
             }
         }
-        return QString::asprintf(GetFmt(format), lonHemisphere, parts[0].degrees, parts[0].minutes,
-                                 parts[0].seconds, latHemisphere, parts[1].degrees, parts[1].minutes,
-                                 parts[1].seconds);
+        return Geodesy::Latin1Text()
+            .format(GetFmt(format), {lonHemisphere, parts[0].degrees, parts[0].minutes, parts[0].seconds,
+                                     latHemisphere, parts[1].degrees, parts[1].minutes, parts[1].seconds})
+            .toString();
     }
     case cfUTM:
         return utmText(lon, lat);
@@ -397,20 +430,16 @@ void Coord::SetText(const QString& text, CoordFormat format)
     m_dLatitude = wrapInto(lat, 90.0);
 }
 
+// What a MaskConverter with the notation's mask and "_" as placeholder does, without
+// building one.
 QString Coord::GetString(CoordFormat format) const
 {
-    MaskConverter converter;
-    converter.SetMask(GetMask(format), '_');
-    converter.SetText(GetText(format));
-    return converter.GetFormattedText();
+    return MaskText::merge(kTexts.mask[maskRow(format)], GetText(format), QLatin1Char('_'));
 }
 
 void Coord::SetString(const QString& text, CoordFormat format)
 {
-    MaskConverter converter;
-    converter.SetMask(GetMask(format), '_');
-    converter.SetFormattedText(text);
-    SetText(converter.GetText(), format);
+    SetText(MaskText::extract(kTexts.mask[maskRow(format)], text), format);
 }
 
 QString getCoordFormatName(CoordFormat format)

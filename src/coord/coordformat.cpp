@@ -8,9 +8,11 @@
 #include "basetypes/numberhelpers_p.h"
 #include "coord/datumshift_p.h"
 #include "coord/geodesy_p.h"
+#include "coord/latin1text_p.h"
 
 #include <QRegularExpression>
 
+#include <charconv>
 #include <cmath>
 
 using namespace Geodesy;
@@ -24,6 +26,38 @@ constexpr int kIrishGrid = 2;
 
 bool parseRt90Axis(const QString& text, double& value)
 {
+    // An edit mask's ten digits or a plain decimal number: read straight from the
+    // characters (std::from_chars rounds as toDouble does); other forms (a sign "+", a
+    // trailing dot, very long numbers) through the path below.
+    const int size = text.size();
+    char chars[24];
+    int count = 0;
+    bool plain = size > 0 && size <= 20;
+    bool dot = false;
+    for (int i = 0; plain && i < size; ++i) {
+        const ushort c = text.at(i).unicode();
+        if (c >= '0' && c <= '9')
+            chars[count++] = char(c);
+        else if (c == '-' && i == 0)
+            chars[count++] = '-';
+        else if (c == '.' && !dot && i > 0 && i + 1 < size && text.at(i - 1).isDigit()) {
+            chars[count++] = '.';
+            dot = true;
+        } else
+            plain = false;
+    }
+    if (plain && !dot && count == 10 && chars[0] != '-') {
+        for (int i = 10; i > 7; --i)
+            chars[i] = chars[i - 1];
+        chars[7] = '.';
+        ++count;
+    }
+    if (plain) {
+        const std::from_chars_result r = std::from_chars(chars, chars + count, value);
+        if (r.ec == std::errc() && r.ptr == chars + count)
+            return std::isfinite(value);
+    }
+
     QString digits = text;
     // An edit mask delivers seven integer and three decimal digits without the dot.
     static const QRegularExpression maskForm(QStringLiteral("^\\d{10}$"));
@@ -32,6 +66,63 @@ bool parseRt90Axis(const QString& text, double& value)
     bool ok = false;
     value = digits.toDouble(&ok);
     return ok && std::isfinite(value);
+}
+
+// The RT90 text's two numbers: blanks (ASCII white space), "X" or "x", blanks, a number
+// ([+-]?\d+(\.\d*)?), blanks, "Y" or "y", blanks, a number, blanks.
+bool isBlank(ushort c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool rt90Number(const QString& text, int& pos, QString& number)
+{
+    const int start = pos;
+    const int size = text.size();
+    if (pos < size && (text.at(pos) == QLatin1Char('+') || text.at(pos) == QLatin1Char('-')))
+        ++pos;
+    const int digitsStart = pos;
+    while (pos < size && text.at(pos).unicode() >= '0' && text.at(pos).unicode() <= '9')
+        ++pos;
+    if (pos == digitsStart)
+        return false;
+    if (pos < size && text.at(pos) == QLatin1Char('.')) {
+        ++pos;
+        while (pos < size && text.at(pos).unicode() >= '0' && text.at(pos).unicode() <= '9')
+            ++pos;
+    }
+    number = text.mid(start, pos - start);
+    return true;
+}
+
+bool splitRt90Text(const QString& text, QString& x, QString& y)
+{
+    int pos = 0;
+    const int size = text.size();
+    const auto skipBlanks = [&] {
+        while (pos < size && isBlank(text.at(pos).unicode()))
+            ++pos;
+    };
+    const auto letter = [&](char upper) {
+        if (pos >= size || (text.at(pos).unicode() | 0x20) != (upper | 0x20))
+            return false;
+        ++pos;
+        return true;
+    };
+    skipBlanks();
+    if (!letter('X'))
+        return false;
+    skipBlanks();
+    if (!rt90Number(text, pos, x))
+        return false;
+    skipBlanks();
+    if (!letter('Y'))
+        return false;
+    skipBlanks();
+    if (!rt90Number(text, pos, y))
+        return false;
+    skipBlanks();
+    return pos == size;
 }
 
 } // namespace
@@ -46,8 +137,17 @@ int CoordToString(QString& out, double lon, double lat, TCoordFormat format)
             return 1;
         }
         const GridReference& ref = *r.reference;
-        out = QString::asprintf("%02ld%c-%c%c-%05d-%05d", ref.zone, ref.band, ref.letters.at(0).toLatin1(),
-                                ref.letters.at(1).toLatin1(), ref.easting, ref.northing);
+        out = Latin1Text()
+                  .put(ref.zone, 2)
+                  .put(ref.band)
+                  .put('-')
+                  .put(ref.letters[0])
+                  .put(ref.letters[1])
+                  .put('-')
+                  .put(ref.easting, 5)
+                  .put('-')
+                  .put(ref.northing, 5)
+                  .toString();
         return 0;
     }
     case TCoordFormatUTM: {
@@ -85,7 +185,14 @@ int CoordToRT90String(QString& out, double lon, double lat, TCoordFormat format)
     const std::optional<GridPoint> p = tmForward(rt90Projection(kRt90TextZone), {lat, lon});
     if (!p)
         return 2;
-    out = QString::asprintf("X%011.3fY%011.3f", p->northing, p->easting);
+    Latin1Text text;
+    text.put('X');
+    const bool fixedX = text.putFixed3(p->northing, 11);
+    text.put('Y');
+    if (fixedX && text.putFixed3(p->easting, 11))
+        out = text.toString();
+    else // beyond 1e15 m
+        out = QString::asprintf("X%011.3fY%011.3f", p->northing, p->easting);
     return 0;
 }
 
@@ -107,13 +214,10 @@ int StringToCoord(QString& text, double* lon, double* lat, TCoordFormat format)
     double outLon, outLat;
     switch (format) {
     case TCoordFormatRT90: {
-        static const QRegularExpression rt90(
-            QStringLiteral("^\\s*X\\s*([+-]?\\d+(?:\\.\\d*)?)\\s*Y\\s*([+-]?\\d+(?:\\.\\d*)?)\\s*$"),
-            QRegularExpression::CaseInsensitiveOption);
-        const QRegularExpressionMatch m = rt90.match(text);
-        double x, y;
-        if (!m.hasMatch() || !parseRt90Axis(m.captured(1), x) || !parseRt90Axis(m.captured(2), y) ||
-            !CMercCoordTrans::convertRt90gon(x, y, outLat, outLon))
+        QString x, y;
+        double xValue, yValue;
+        if (!splitRt90Text(text, x, y) || !parseRt90Axis(x, xValue) || !parseRt90Axis(y, yValue) ||
+            !CMercCoordTrans::convertRt90gon(xValue, yValue, outLat, outLon))
             return 1;
         break;
     }

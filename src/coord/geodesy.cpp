@@ -1,5 +1,7 @@
 #include "coord/geodesy_p.h"
 
+#include "coord/roundingcheck_p.h"
+
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -238,16 +240,17 @@ std::optional<SquareIndex> squareLetterIndex(QChar letter)
 namespace {
 
 // Rectifying radius and the coefficients of the forward (beta) and inverse (delta)
-// series of an ellipsoid.
+// series of an ellipsoid, and of the series between geographic and conformal latitude.
 struct KruegerSeries
 {
     double e2;
     double aRoof;
     double beta[4];
     double delta[4];
+    double toConformal[4];
 };
 
-KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
+KruegerSeries computeKruegerSeries(const Ellipsoid& ellipsoid)
 {
     const double f = ellipsoid.f;
     const double n = f / (2.0 - f);
@@ -263,7 +266,25 @@ KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
     s.delta[1] = n2 / 48.0 + n3 / 15.0 - 437.0 * n4 / 1440.0;
     s.delta[2] = 17.0 * n3 / 480.0 - 37.0 * n4 / 840.0;
     s.delta[3] = 4397.0 * n4 / 161280.0;
+    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
+    s.toConformal[0] = e2;
+    s.toConformal[1] = (5.0 * e4 - e6) / 6.0;
+    s.toConformal[2] = (104.0 * e6 - 45.0 * e8) / 120.0;
+    s.toConformal[3] = 1237.0 * e8 / 1260.0;
     return s;
+}
+
+// The series of GRS 80 and Bessel 1841, which every Swedish parameter set uses, are
+// built once.
+KruegerSeries kruegerSeries(const Ellipsoid& ellipsoid)
+{
+    static const KruegerSeries grs80 = computeKruegerSeries(kGrs80);
+    static const KruegerSeries bessel = computeKruegerSeries(kBessel1841);
+    if (ellipsoid.a == kGrs80.a && ellipsoid.f == kGrs80.f)
+        return grs80;
+    if (ellipsoid.a == kBessel1841.a && ellipsoid.f == kBessel1841.f)
+        return bessel;
+    return computeKruegerSeries(ellipsoid);
 }
 
 // Sum over k = 1..4 of c[k-1] sin(2k(xi + i eta)), by Clenshaw's recurrence on the
@@ -294,12 +315,11 @@ void kruegerSum(const double c[4], double xi, double eta, double& re, double& im
 std::optional<GridPoint> tmForward(const TmParameters& p, const GeoPoint& position)
 {
     const KruegerSeries s = kruegerSeries(p.ellipsoid);
-    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
     // Conformal latitude
-    const double A = e2;
-    const double B = (5.0 * e4 - e6) / 6.0;
-    const double C = (104.0 * e6 - 45.0 * e8) / 120.0;
-    const double D = 1237.0 * e8 / 1260.0;
+    const double A = s.toConformal[0];
+    const double B = s.toConformal[1];
+    const double C = s.toConformal[2];
+    const double D = s.toConformal[3];
 
     const double phi = position.lat * kDegToRad;
     const double dl = position.lon * kDegToRad - p.centralMeridian * kDegToRad;
@@ -363,7 +383,8 @@ std::optional<GeoPoint> tmInverse(const TmParameters& p, const GridPoint& grid)
 
 namespace {
 
-// Meridional arc from the latitude of origin to phi.
+// Meridional arc from the latitude of origin to phi: the definition, which the
+// shortcuts below must reproduce to the last bit.
 double meridionalArc(const OsGridRow& r, double n, double phi)
 {
     const double n2 = n * n;
@@ -376,60 +397,329 @@ double meridionalArc(const OsGridRow& r, double n, double phi)
                     35.0 / 24.0 * n3 * std::sin(3.0 * dp) * std::cos(3.0 * sp));
 }
 
+// The shortcut's angles stay within this (radians), so that the library's rounding of
+// 3 dp and 3 sp moves their sines and cosines by at most 7.5 u; latitudes reach 1.59
+// and the latitudes of origin 0.94.
+constexpr double kArcShortcutAngle = 2.5;
+
+// Bounds of the identities below against the library's sin 2x, cos 2x, sin 3x, cos 3x,
+// with g = kLibmError for each library value: 2 sin x cos x is within (3g + u)|sin 2x|,
+// (cos x - sin x)(cos x + sin x) within 5.01 (g + u), the two of 3x within 26.1 u + g +
+// 7.5 u. Through productBound that is 27.1 u |sin 2x| per |coefficient| for the second
+// term (within 26.2 u) and 80 u per |coefficient| for the third (79.3 u).
+constexpr double kArc2Bound = 27.1 * RoundingCheck::kU;
+constexpr double kArc3Bound = 80.0 * RoundingCheck::kU;
+
+// meridionalArc from sines and cosines of dp = phi - phi0 and sp = phi + phi0 that are
+// the library's or within sinError and cosError (absolute) of them: the terms of the
+// doubled and tripled angles, whose coefficients n^2 and n^3 make them small, come from
+// identities, and the first term is proved too where the sines are not the library's.
+// False (arc untouched) where the sums might round apart from the plain formula's.
+bool meridionalArcShortcut(const OsGridRow& r, const OsSeries& s, double dp, double sinDp, double cosDp,
+                           double sinSp, double cosSp, double sinError, double cosError, double& arc)
+{
+    const double trigError = sinError > cosError ? sinError : cosError;
+    using RoundingCheck::productBound;
+    using RoundingCheck::sumRoundsAlike;
+    const double term0 = s.arc[0] * dp;
+    const double term1 = s.arc[1] * sinDp * cosSp;
+    const double sum1 = term0 - term1;
+    const double sin2Dp = 2.0 * sinDp * cosDp;
+    const double cos2Dp = (cosDp - sinDp) * (cosDp + sinDp);
+    const double sin2Sp = 2.0 * sinSp * cosSp;
+    const double cos2Sp = (cosSp - sinSp) * (cosSp + sinSp);
+    const double sin3Dp = sin2Dp * cosDp + cos2Dp * sinDp;
+    const double cos3Sp = cos2Sp * cosSp - sin2Sp * sinSp;
+    const double term2 = s.arc[2] * sin2Dp * cos2Sp;
+    const double term3 = s.arc[3] * sin3Dp * cos3Sp;
+    const double sum2 = sum1 + term2;
+    const double sum3 = sum2 - term3;
+    if ((trigError > 0.0 &&
+         !sumRoundsAlike(term0, -term1, sum1, productBound(s.arc[1], sinDp, sinError, cosSp, cosError))) ||
+        !sumRoundsAlike(sum1, term2, sum2, s.arc2Bound * std::fabs(sin2Dp) + s.arc2TrigBound * trigError) ||
+        !sumRoundsAlike(sum2, -term3, sum3, s.arc3Bound + s.arc3TrigBound * trigError))
+        return false;
+    arc = r.bF0 * sum3;
+    return true;
+}
+
+// Bound on the sines and cosines of dp and sp from those of phi and of the latitude of
+// origin by the sum formulas against the library's: each product within 2g + u of its
+// exact value, their sum within 1.42 (2g + u) + u, the library's own error g, and the
+// rounding of dp and sp themselves (at most u times 2.5), in all below 16 u.
+constexpr double kSumFormulaError = 16.0 * RoundingCheck::kU;
+
+// meridionalArc at phi. Where s.fromPhi, sinPhi and cosPhi are the library's sine and
+// cosine of phi, which the callers need anyway, and the angles' come from them; else
+// they are not used, and the library gives those of dp and sp.
+double meridionalArc(const OsGridRow& r, const OsSeries& s, double phi, double sinPhi, double cosPhi)
+{
+    double arc;
+    if (r.phi0 == 0.0) {
+        // phi - 0 is phi, and phi + 0 differs from it at most in the sign of a zero.
+        if (std::fabs(phi) <= kArcShortcutAngle &&
+            meridionalArcShortcut(r, s, phi, sinPhi, cosPhi, sinPhi, cosPhi, 0.0, 0.0, arc))
+            return arc;
+        return meridionalArc(r, s.n, phi);
+    }
+    const double dp = phi - r.phi0;
+    const double sp = phi + r.phi0;
+    if (std::fabs(dp) > kArcShortcutAngle || std::fabs(sp) > kArcShortcutAngle)
+        return meridionalArc(r, s.n, phi);
+    if (s.fromPhi) {
+        const double sinDp = sinPhi * s.cosPhi0 - cosPhi * s.sinPhi0;
+        const double cosDp = cosPhi * s.cosPhi0 + sinPhi * s.sinPhi0;
+        const double sinSp = sinPhi * s.cosPhi0 + cosPhi * s.sinPhi0;
+        const double cosSp = cosPhi * s.cosPhi0 - sinPhi * s.sinPhi0;
+        if (meridionalArcShortcut(r, s, dp, sinDp, cosDp, sinSp, cosSp, kSumFormulaError, kSumFormulaError,
+                                  arc))
+            return arc;
+    }
+    if (meridionalArcShortcut(r, s, dp, std::sin(dp), std::cos(dp), std::sin(sp), std::cos(sp), 0.0, 0.0,
+                              arc))
+        return arc;
+    return meridionalArc(r, s.n, phi);
+}
+
+// Sine and cosine of phi from the library's at a nearby base, rotated by h = phi - base
+// with the series of sin h and cos h - 1 (to h^5 and h^6: below 2e-18 for |h| <= 0.01),
+// each with a bound on its distance from the library's sine and cosine of phi: the
+// base's own errors (g each) carried along, the target's g, the rotation's roundings
+// (within 4.5 u |h| and u of the result) and the series' remainder. False for steps
+// beyond 0.01.
+struct RotatedTrig
+{
+    double sin, cos;
+    double sinError, cosError;
+};
+
+constexpr double kRotationLimit = 0.01;
+
+bool rotateTrig(double basePhi, double baseSin, double baseCos, double phi, RotatedTrig& out)
+{
+    using RoundingCheck::kLibmError;
+    using RoundingCheck::kU;
+    using RoundingCheck::twoSumError;
+    const double h = phi - basePhi;
+    if (!(std::fabs(h) <= kRotationLimit))
+        return false;
+    const double hError = std::fabs(twoSumError(phi, -basePhi, h));
+    const double h2 = h * h;
+    const double sinH = h * (1.0 + h2 * (-1.0 / 6.0 + h2 * (1.0 / 120.0)));
+    const double cosHm1 = h2 * (-0.5 + h2 * (1.0 / 24.0 - h2 * (1.0 / 720.0)));
+    out.sin = baseSin + (baseCos * sinH + baseSin * cosHm1);
+    out.cos = baseCos + (baseCos * cosHm1 - baseSin * sinH);
+    const double common = (kLibmError + 4.5 * kU) * std::fabs(h) + 3.0 * kU * h2 + hError + 2e-18;
+    out.sinError = kLibmError * (std::fabs(baseSin) + std::fabs(out.sin)) + kU * std::fabs(out.sin) + common;
+    out.cosError = kLibmError * (std::fabs(baseCos) + std::fabs(out.cos)) + kU * std::fabs(out.cos) + common;
+    return true;
+}
+
+// The inverse's residual settles below this (metres).
+constexpr double kSettled = 0.001;
+// Beyond this northing from the origin (metres, about 4.7 radians of latitude) the
+// inverse takes every step of its iteration; below it, the arc's rounding errors stay
+// under 3e-8 m and kSettledSlack covers them.
+constexpr double kFewStepsNorthing = 3.0e7;
+constexpr double kSettledSlack = 1e-6;
+
 } // namespace
 
-GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position)
+OsSeries::OsSeries(const OsGridRow& r)
+{
+    n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
+    e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double n2 = n * n;
+    const double n3 = n2 * n;
+    arc[0] = 1.0 + n + 1.25 * n2 + 1.25 * n3;
+    arc[1] = 3.0 * n + 3.0 * n2 + 2.625 * n3;
+    arc[2] = 1.875 * (n2 + n3);
+    arc[3] = 35.0 / 24.0 * n3;
+    arc2Bound = kArc2Bound * std::fabs(arc[2]);
+    arc3Bound = kArc3Bound * std::fabs(arc[3]);
+    // Sines and cosines off by d change 2 sin cos and cos^2 - sin^2 by at most 2.83 d,
+    // the threefold angle's by 7.7 d: per d, at most 6 |arc2| and 16 |arc3|.
+    arc2TrigBound = 6.0 * std::fabs(arc[2]);
+    arc3TrigBound = 16.0 * std::fabs(arc[3]);
+    inverseOneMinusE2 = 1.0 / (1.0 - e2);
+    inverse[0] = 1.0 / 6.0;
+    inverse[1] = 1.0 / 120.0;
+    inverse[2] = 1.0 / 24.0;
+    inverse[3] = 1.0 / 720.0;
+    sinPhi0 = std::sin(r.phi0);
+    cosPhi0 = std::cos(r.phi0);
+    // Near a latitude of origin far from the equator (British, Irish, Hong Kong grids)
+    // dp is small and the sum formulas lose too much of it to prove the arc's first
+    // term; the RT90 grids' origin of 0.19 degrees loses next to nothing.
+    fromPhi = std::fabs(sinPhi0) < 0.01;
+    // M'(phi) = bF0 (arc0 - arc1 cos 2phi + 2 arc2 cos 4phi - 3 arc3 cos 6phi) whatever
+    // phi0 is; by the mean value theorem the next residual is the last one times
+    // 1 - M'/aF0 somewhere, plus rounding.
+    const double spread = std::fabs(arc[1]) + 2.0 * std::fabs(arc[2]) + 3.0 * std::fabs(arc[3]);
+    const double ratio = r.bF0 / r.aF0;
+    contraction =
+        std::fmax(std::fabs(1.0 - ratio * (arc[0] - spread)), std::fabs(1.0 - ratio * (arc[0] + spread))) *
+        1.001;
+}
+
+namespace {
+
+// The terms of the forward beyond the first order, easting's v and vi and northing's iii
+// and iiia, without the library's tan and without divisions: tan phi as sin/cos, nu/rho
+// as w/(1 - e^2), nu/6 ... nu/720 by reciprocals. Each term is then within the bound
+// below of the plain one, and iv + (its part) and ii + (its part) are proved to round
+// to the plain sums; false where they might not.
+//
+// Bounds in units of u, with the library within 2u (one unit in the last place): tan^2
+// within 17 |tan^2|; nu/rho within 5.1; nu/6 ... within 2.6 relative; the polynomials of
+// v, vi, iii, iiia by their coefficients, each rounding within u of the term's size;
+// every product of the plain and the short form rounded within 2.1 u.
+bool osForwardHigherTerms(const OsSeries& s, double sinPhi, double cosPhi, double w, double nu, double cos3,
+                          double cos5, double dl2, double iv, double ii, double& eastingSum,
+                          double& northingSum)
+{
+    using RoundingCheck::kU;
+    using RoundingCheck::sumRoundsAlike;
+    const double t = sinPhi / cosPhi;
+    const double tan2 = t * t;
+    const double nuRho = w * s.inverseOneMinusE2;
+    const double eta2 = nuRho - 1.0;
+    const double dTan2 = 17.0 * kU * tan2;
+    const double dNuRho = 5.1 * kU;
+
+    const double v1 = nu * s.inverse[0] * cos3;
+    const double v2 = nuRho - tan2;
+    const double v = v1 * v2;
+    const double vi1 = nu * s.inverse[1] * cos5;
+    const double vi2 = 5.0 - 18.0 * tan2 + tan2 * tan2 + 14.0 * eta2 - 58.0 * tan2 * eta2;
+    const double vi = vi1 * vi2;
+    const double eastingA = dl2 * vi;
+    const double eastingB = v + eastingA;
+    const double eastingC = dl2 * eastingB;
+    const double dV = std::fabs(v1) * (dNuRho + dTan2 + 9.0 * kU * std::fabs(v2));
+    const double dVi =
+        std::fabs(vi1) * (kU * (120.0 + 800.0 * tan2 + 50.0 * tan2 * tan2) + 7.0 * kU * std::fabs(vi2));
+    const double eastingBound =
+        (dl2 * (dV + dl2 * dVi) + 2.1 * kU * (dl2 * std::fabs(eastingA) + 2.0 * std::fabs(eastingC))) * 1.1;
+
+    const double iii1 = nu * s.inverse[2] * sinPhi * cos3;
+    const double iii2 = 5.0 - tan2 + 9.0 * eta2;
+    const double iii = iii1 * iii2;
+    const double iiia1 = nu * s.inverse[3] * sinPhi * cos5;
+    const double iiia2 = 61.0 - 58.0 * tan2 + tan2 * tan2;
+    const double iiia = iiia1 * iiia2;
+    const double northingA = dl2 * iiia;
+    const double northingB = iii + northingA;
+    const double northingC = dl2 * northingB;
+    const double dIii = std::fabs(iii1) * (kU * (61.0 + 20.0 * tan2) + 8.0 * kU * std::fabs(iii2));
+    const double dIiia =
+        std::fabs(iiia1) * (kU * (183.0 + 1160.0 * tan2 + 37.0 * tan2 * tan2) + 8.0 * kU * std::fabs(iiia2));
+    const double northingBound =
+        (dl2 * (dIii + dl2 * dIiia) + 2.1 * kU * (dl2 * std::fabs(northingA) + 2.0 * std::fabs(northingC))) *
+        1.1;
+
+    eastingSum = iv + eastingC;
+    northingSum = ii + northingC;
+    return sumRoundsAlike(iv, eastingC, eastingSum, eastingBound) &&
+           sumRoundsAlike(ii, northingC, northingSum, northingBound);
+}
+
+} // namespace
+
+GridPoint osTmForward(const OsGridRow& r, const OsSeries& s, const GeoPoint& position)
 {
     const double phi = position.lat * kGridDegToRad;
-    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
-    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double e2 = s.e2;
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
-    const double tan2 = std::tan(phi) * std::tan(phi);
     const double w = 1.0 - e2 * sinPhi * sinPhi;
     const double nu = r.aF0 / std::sqrt(w);
-    const double rho = nu * (1.0 - e2) / w;
-    const double eta2 = nu / rho - 1.0;
     const double dl = position.lon * kGridDegToRad - r.lambda0;
     const double dl2 = dl * dl;
     const double cos3 = cosPhi * cosPhi * cosPhi;
     const double cos5 = cos3 * cosPhi * cosPhi;
-
     const double iv = nu * cosPhi;
+    const double i = meridionalArc(r, s, phi, sinPhi, cosPhi) + r.N0;
+    const double ii = nu / 2.0 * sinPhi * cosPhi;
+
+    double eastingSum, northingSum;
+    if (osForwardHigherTerms(s, sinPhi, cosPhi, w, nu, cos3, cos5, dl2, iv, ii, eastingSum, northingSum))
+        return {r.E0 + dl * eastingSum, i + dl2 * northingSum};
+
+    const double tan2 = std::tan(phi) * std::tan(phi);
+    const double rho = nu * (1.0 - e2) / w;
+    const double eta2 = nu / rho - 1.0;
     const double v = nu / 6.0 * cos3 * (nu / rho - tan2);
     const double vi =
         nu / 120.0 * cos5 * (5.0 - 18.0 * tan2 + tan2 * tan2 + 14.0 * eta2 - 58.0 * tan2 * eta2);
     const double easting = r.E0 + dl * (iv + dl2 * (v + dl2 * vi));
 
-    const double i = meridionalArc(r, n, phi) + r.N0;
-    const double ii = nu / 2.0 * sinPhi * cosPhi;
     const double iii = nu / 24.0 * sinPhi * cos3 * (5.0 - tan2 + 9.0 * eta2);
     const double iiia = nu / 720.0 * sinPhi * cos5 * (61.0 - 58.0 * tan2 + tan2 * tan2);
     const double northing = i + dl2 * (ii + dl2 * (iii + dl2 * iiia));
     return {easting, northing};
 }
 
-std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid)
+std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const GridPoint& grid)
 {
     if (!std::isfinite(grid.easting) || !std::isfinite(grid.northing))
         return std::nullopt;
-    const double n = (r.aF0 - r.bF0) / (r.aF0 + r.bF0);
-    const double e2 = (r.aF0 * r.aF0 - r.bF0 * r.bF0) / (r.aF0 * r.aF0);
+    const double e2 = s.e2;
     const double dn = grid.northing - r.N0;
     double phi = dn / r.aF0 + r.phi0;
     // Each step gains two to three digits, so a sane northing needs four or five; a
-    // northing far beyond the poles never settles and is refused.
+    // northing far beyond the poles never settles and is refused. The step whose
+    // residual is small enough that the next one must settle ends the iteration there:
+    // the next would only confirm it and leave phi as it is.
+    const bool fewSteps = std::fabs(dn) < kFewStepsNorthing;
+    constexpr int kMaxSteps = 50;
     bool settled = false;
-    for (int step = 0; step < 50 && !settled; ++step) {
-        const double residual = dn - meridionalArc(r, n, phi);
-        settled = std::fabs(residual) < 0.001;
-        if (!settled)
+    double sinPhi = 0.0;
+    double cosPhi = 0.0;
+    bool trigOfPhi = false; // sinPhi and cosPhi are the library's of the final phi
+    // Where the origin is the equator, the steps after the first take the sine and
+    // cosine of phi rotated from the library's at the last phi it gave them for, and the
+    // arc is proved with their bounds; where it cannot be, the library gives them anew.
+    const bool rotate = r.phi0 == 0.0;
+    bool haveBase = false;
+    double basePhi = 0.0, baseSin = 0.0, baseCos = 0.0;
+    for (int step = 0; step < kMaxSteps && !settled; ++step) {
+        double arc = 0.0;
+        bool arcDone = false;
+        RotatedTrig rotated;
+        if (rotate && haveBase && std::fabs(phi) <= kArcShortcutAngle &&
+            rotateTrig(basePhi, baseSin, baseCos, phi, rotated))
+            arcDone = meridionalArcShortcut(r, s, phi, rotated.sin, rotated.cos, rotated.sin, rotated.cos,
+                                            rotated.sinError, rotated.cosError, arc);
+        trigOfPhi = false;
+        if (!arcDone) {
+            if (s.fromPhi) {
+                sinPhi = std::sin(phi);
+                cosPhi = std::cos(phi);
+                basePhi = phi;
+                baseSin = sinPhi;
+                baseCos = cosPhi;
+                haveBase = true;
+                trigOfPhi = true;
+            }
+            arc = meridionalArc(r, s, phi, sinPhi, cosPhi);
+        }
+        const double residual = dn - arc;
+        settled = std::fabs(residual) < kSettled;
+        if (!settled) {
             phi += residual / r.aF0;
+            trigOfPhi = false;
+            settled = fewSteps && step + 1 < kMaxSteps &&
+                      std::fabs(residual) * s.contraction + kSettledSlack < kSettled;
+        }
     }
     if (!settled)
         return std::nullopt;
+    if (!trigOfPhi) {
+        sinPhi = std::sin(phi);
+        cosPhi = std::cos(phi);
+    }
 
-    const double sinPhi = std::sin(phi);
     const double w = 1.0 - e2 * sinPhi * sinPhi;
     const double nu = r.aF0 / std::sqrt(w);
     const double rho = nu * (1.0 - e2) / w;
@@ -437,7 +727,7 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid)
     const double t = std::tan(phi);
     const double t2 = t * t;
     const double t4 = t2 * t2;
-    const double sec = 1.0 / std::cos(phi);
+    const double sec = 1.0 / cosPhi;
     const double de = grid.easting - r.E0;
     const double de2 = de * de;
     const double nu3 = nu * nu * nu;
@@ -458,9 +748,106 @@ std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid)
 
 // ---- Transverse Mercator: the series of LLtoUTM and UTMtoLL ---------------------------
 
-GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double centralMeridian)
+LegacyUtmSeries::LegacyUtmSeries(double a, double e2) : a(a), e2(e2)
 {
-    const double ep2 = e2 / (1.0 - e2);
+    ep2 = e2 / (1.0 - e2);
+    const double e4 = e2 * e2;
+    const double e6 = e4 * e2;
+    m[0] = 1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e6 / 256.0;
+    m[1] = 3.0 * e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0;
+    m[2] = 15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0;
+    m[3] = 35.0 * e6 / 3072.0;
+    // The inverse has always taken e^6 as e^4 e^2 here, rounded apart from e6 above.
+    mu = a * (1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e4 * e2 / 256.0);
+    const double e1 = (1.0 - std::sqrt(1.0 - e2)) / (1.0 + std::sqrt(1.0 - e2));
+    j[0] = 3.0 * e1 / 2.0 - 27.0 * e1 * e1 * e1 / 32.0;
+    j[1] = 21.0 * e1 * e1 / 16.0 - 55.0 * e1 * e1 * e1 * e1 / 32.0;
+    j[2] = 151.0 * e1 * e1 * e1 / 96.0;
+}
+
+const LegacyUtmSeries* legacyUtmSeries(int ellipsoid)
+{
+    static const struct Table
+    {
+        std::optional<LegacyUtmSeries> series[UtmEllipsoidCount];
+        Table()
+        {
+            for (int i = 1; i < UtmEllipsoidCount; ++i)
+                series[i].emplace(kLegacyUtmEllipsoids[i].equatorialRadius,
+                                  kLegacyUtmEllipsoids[i].eccentricitySquared);
+        }
+    } table;
+    return ellipsoid >= 1 && ellipsoid < UtmEllipsoidCount ? &*table.series[ellipsoid] : nullptr;
+}
+
+namespace {
+
+// Bounds of the series' shortcuts below (see meridionalArcShortcut for the method),
+// with g = kLibmError: 2 sin x cos x is within (3g + u)|sin 2x| of the library's sin 2x,
+// so the product with its coefficient c within 9.1 u |c sin 2x|; 2 sin 2x cos 2x from
+// 2 sin x cos x within 42.1 u |2 sin x cos x| of sin 4x, 48 u per |c| with the product's
+// roundings; the sixfold angle within 130 u (taken as 202 u per |c|, its
+// coefficients being e^6 and e1^3).
+constexpr double kLegacyDoubleBound = 9.1 * RoundingCheck::kU;
+constexpr double kLegacyFourfoldBound = 48.0 * RoundingCheck::kU;
+constexpr double kLegacySixfoldBound = 202.0 * RoundingCheck::kU;
+
+// The meridian arc of the forward from the library's sin phi and cos phi: the multiple
+// angles by identities where the sums provably round alike, else the library's.
+double legacyArc(const LegacyUtmSeries& s, double phi, double sinPhi, double cosPhi)
+{
+    using RoundingCheck::sumRoundsAlike;
+    if (std::fabs(phi) <= kArcShortcutAngle) {
+        const double sin2 = 2.0 * sinPhi * cosPhi;
+        const double cos2 = (cosPhi - sinPhi) * (cosPhi + sinPhi);
+        const double sin4 = 2.0 * sin2 * cos2;
+        const double cos4 = (cos2 - sin2) * (cos2 + sin2);
+        const double sin6 = sin4 * cos2 + cos4 * sin2;
+        const double term0 = s.m[0] * phi;
+        const double term2 = s.m[1] * sin2;
+        const double term4 = s.m[2] * sin4;
+        const double term6 = s.m[3] * sin6;
+        const double sum2 = term0 - term2;
+        const double sum4 = sum2 + term4;
+        const double sum6 = sum4 - term6;
+        if (sumRoundsAlike(term0, -term2, sum2, kLegacyDoubleBound * std::fabs(term2)) &&
+            sumRoundsAlike(sum2, term4, sum4, kLegacyFourfoldBound * std::fabs(s.m[2] * sin2)) &&
+            sumRoundsAlike(sum4, -term6, sum6, kLegacySixfoldBound * std::fabs(s.m[3])))
+            return s.a * sum6;
+    }
+    return s.a * (s.m[0] * phi - s.m[1] * std::sin(2.0 * phi) + s.m[2] * std::sin(4.0 * phi) -
+                  s.m[3] * std::sin(6.0 * phi));
+}
+
+// The footpoint latitude of the inverse from the library's sin 2mu and cos 2mu.
+double legacyFootpoint(const LegacyUtmSeries& s, double mu)
+{
+    using RoundingCheck::sumRoundsAlike;
+    if (std::fabs(mu) <= kArcShortcutAngle) {
+        const double sin2 = std::sin(2.0 * mu);
+        const double cos2 = std::cos(2.0 * mu);
+        const double sin4 = 2.0 * sin2 * cos2;
+        const double cos4 = (cos2 - sin2) * (cos2 + sin2);
+        const double sin6 = sin4 * cos2 + cos4 * sin2;
+        const double sum2 = mu + s.j[0] * sin2;
+        const double term4 = s.j[1] * sin4;
+        const double term6 = s.j[2] * sin6;
+        const double sum4 = sum2 + term4;
+        const double sum6 = sum4 + term6;
+        if (sumRoundsAlike(sum2, term4, sum4, kLegacyDoubleBound * std::fabs(term4)) &&
+            sumRoundsAlike(sum4, term6, sum6, kLegacySixfoldBound * std::fabs(s.j[2])))
+            return sum6;
+    }
+    return mu + s.j[0] * std::sin(2.0 * mu) + s.j[1] * std::sin(4.0 * mu) + s.j[2] * std::sin(6.0 * mu);
+}
+
+} // namespace
+
+GridPoint legacyUtmForward(const LegacyUtmSeries& s, double lat, double lon, double centralMeridian)
+{
+    const double a = s.a;
+    const double e2 = s.e2;
+    const double ep2 = s.ep2;
     const double phi = lat * kLegacyUtmDegToRad;
     const double sinPhi = std::sin(phi);
     const double cosPhi = std::cos(phi);
@@ -469,12 +856,7 @@ GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double c
     const double t = tanPhi * tanPhi;
     const double c = ep2 * cosPhi * cosPhi;
     const double A = cosPhi * (lon - centralMeridian) * kLegacyUtmDegToRad;
-    const double e4 = e2 * e2;
-    const double e6 = e4 * e2;
-    const double m = a * ((1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e6 / 256.0) * phi -
-                          (3.0 * e2 / 8.0 + 3.0 * e4 / 32.0 + 45.0 * e6 / 1024.0) * std::sin(2.0 * phi) +
-                          (15.0 * e4 / 256.0 + 45.0 * e6 / 1024.0) * std::sin(4.0 * phi) -
-                          (35.0 * e6 / 3072.0) * std::sin(6.0 * phi));
+    const double m = legacyArc(s, phi, sinPhi, cosPhi);
     const double A2 = A * A;
 
     const double easting = kUtmScale * n *
@@ -488,18 +870,16 @@ GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double c
     return {easting, northing};
 }
 
-GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const GridPoint& grid)
+GeoPoint legacyUtmInverse(const LegacyUtmSeries& s, double centralMeridian, const GridPoint& grid)
 {
-    const double ep2 = e2 / (1.0 - e2);
-    const double e1 = (1.0 - std::sqrt(1.0 - e2)) / (1.0 + std::sqrt(1.0 - e2));
+    const double a = s.a;
+    const double e2 = s.e2;
+    const double ep2 = s.ep2;
     const double x = grid.easting - kUtmFalseEasting;
     const double y = grid.northing;
 
-    const double e4 = e2 * e2;
-    const double mu = y / kUtmScale / (a * (1.0 - e2 / 4.0 - 3.0 * e4 / 64.0 - 5.0 * e4 * e2 / 256.0));
-    const double phi1 = mu + (3.0 * e1 / 2.0 - 27.0 * e1 * e1 * e1 / 32.0) * std::sin(2.0 * mu) +
-                        (21.0 * e1 * e1 / 16.0 - 55.0 * e1 * e1 * e1 * e1 / 32.0) * std::sin(4.0 * mu) +
-                        (151.0 * e1 * e1 * e1 / 96.0) * std::sin(6.0 * mu);
+    const double mu = y / kUtmScale / s.mu;
+    const double phi1 = legacyFootpoint(s, mu);
     const double sinPhi1 = std::sin(phi1);
     const double cosPhi1 = std::cos(phi1);
     const double tanPhi1 = std::tan(phi1);
@@ -525,8 +905,8 @@ GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const Gri
 
 LegacyUtmResult legacyUtm(int ellipsoid, double lat, double lon)
 {
-    const UtmEllipsoid* e = ellipsoid >= 1 ? legacyUtmEllipsoid(ellipsoid) : nullptr;
-    if (!e)
+    const LegacyUtmSeries* series = legacyUtmSeries(ellipsoid);
+    if (!series)
         return {std::nullopt, "#INVALID ELLIPSOID"};
     if (!(std::fabs(lat) <= 90.0))
         return {std::nullopt, "#INVALID LATITUDE"};
@@ -543,8 +923,7 @@ LegacyUtmResult legacyUtm(int ellipsoid, double lat, double lon)
     UtmPoint p;
     p.zone = zone;
     p.band = bandLetter(lat).value_or('Z');
-    p.grid = legacyUtmForward(e->equatorialRadius, e->eccentricitySquared, lat, lonTemp,
-                              double(utmCentralMeridian(zone)));
+    p.grid = legacyUtmForward(*series, lat, lonTemp, double(utmCentralMeridian(zone)));
     if (lat < 0.0)
         p.grid.northing += kUtmFalseNorthingSouth;
     return {p, nullptr};
@@ -614,8 +993,13 @@ struct SquareDigits
 
 SquareDigits squareDigits(long value)
 {
-    const QString s = QString::number(value < 0 ? -value : value).rightJustified(7, QLatin1Char('0'));
-    return {s.at(1).unicode() - '0', s.mid(2, 5).toInt()};
+    const unsigned long v =
+        value < 0 ? 0UL - static_cast<unsigned long>(value) : static_cast<unsigned long>(value);
+    // 10^(digits - 2): the place of the second of at least seven digits.
+    unsigned long second = 100000;
+    while (v / second >= 100)
+        second *= 10;
+    return {int(v / second % 10), int(v / (second / 100000) % 100000)};
 }
 
 } // namespace
@@ -653,10 +1037,23 @@ std::optional<OsGridRow> gridRow(int g, long zoneMeridian)
                      z.falseNorthing,    z.falseEasting};
 }
 
-std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian)
+const OsSeries& gridSeries(int g)
 {
-    if (!validGridPosition(lat, lon))
-        return std::nullopt;
+    // The UTM grids' rows differ in their meridian only, which the series leaves out.
+    static const struct Table
+    {
+        std::optional<OsSeries> series[kLastGrid + 1];
+        Table()
+        {
+            for (int g = 1; g <= kLastGrid; ++g)
+                series[g].emplace(*gridRow(g, 0));
+        }
+    } table;
+    return *table.series[g];
+}
+
+std::optional<OsGrid> forwardGrid(int grid, long zoneMeridian)
+{
     const int g = absGrid(grid);
     // Only the two grids of the original UTM pair check their meridian.
     if ((g == 3 || g == 4) && !(zoneMeridian >= -180 && zoneMeridian <= 180))
@@ -664,10 +1061,25 @@ std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zone
     const std::optional<OsGridRow> row = gridRow(g, zoneMeridian);
     if (!row)
         return std::nullopt;
-    const GridPoint p = osTmForward(*row, {lat, lon});
+    return OsGrid{*row, &gridSeries(g)};
+}
+
+GridPoint gridForward(const OsGrid& grid, double lat, double lon)
+{
+    const GridPoint p = osTmForward(grid.row, *grid.series, {lat, lon});
     // The half-centimetre offsets in opposite directions are part of every grid value
     // the applications have stored.
     return GridPoint{p.easting - 0.005, p.northing + 0.005};
+}
+
+std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian)
+{
+    if (!validGridPosition(lat, lon))
+        return std::nullopt;
+    const std::optional<OsGrid> g = forwardGrid(grid, zoneMeridian);
+    if (!g)
+        return std::nullopt;
+    return gridForward(*g, lat, lon);
 }
 
 GridReferenceResult gridReference(double lat, double lon, int grid)
@@ -704,14 +1116,14 @@ GridReferenceResult gridReference(double lat, double lon, int grid)
     if (g == 1) {
         if (e < 0 || n < 0 || e > 999999 || n > 1499999)
             return {std::nullopt, "#OUTSIDE BRITISH GRID AREA"};
-        ref.letters = QString(QLatin1Char(britishFirstLetter({int(e / 500000), int(n / 500000)}))) +
-                      QLatin1Char(squareLetter(square));
+        ref.letters[0] = britishFirstLetter({int(e / 500000), int(n / 500000)});
+        ref.letters[1] = squareLetter(square);
         return {ref, nullptr};
     }
     if (g == 2) {
         if (e < 0 || n < 0 || e > 499999 || n > 499999)
             return {std::nullopt, "#OUTSIDE IRISH GRID AREA"};
-        ref.letters = QString(QLatin1Char(squareLetter(square)));
+        ref.letters[0] = squareLetter(square);
         return {ref, nullptr};
     }
 
@@ -725,7 +1137,8 @@ GridReferenceResult gridReference(double lat, double lon, int grid)
         return none;
     ref.zone = zone;
     ref.band = gridBandLetter(nlat);
-    ref.letters = QString(QLatin1Char(*column)) + QLatin1Char(mgrsRowLetter(zone, row, grid < 0));
+    ref.letters[0] = *column;
+    ref.letters[1] = mgrsRowLetter(zone, row, grid < 0);
     return {ref, nullptr};
 }
 

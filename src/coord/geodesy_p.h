@@ -177,24 +177,75 @@ struct OsGridRow
     double E0;
 };
 
+/// What the Ordnance Survey series needs of a row besides the row itself, computed once
+/// per grid exactly as the series has always computed it: n, e^2 and the coefficients
+/// of the meridional arc, with the bounds that its shortcuts rely on (geodesy.cpp).
+struct OsSeries
+{
+    explicit OsSeries(const OsGridRow& r);
+
+    double n;
+    double e2;
+    /// Coefficients of dp, sin dp cos sp, sin 2dp cos 2sp and sin 3dp cos 3sp, where
+    /// dp and sp are the latitude less and plus the latitude of origin.
+    double arc[4];
+    /// Bound on the difference of the shortcut's sin 2dp cos 2sp term, per |sin 2dp|.
+    double arc2Bound;
+    /// Bound on the difference of the shortcut's sin 3dp cos 3sp term.
+    double arc3Bound;
+    /// Further bounds of the two terms per unit of error in the sines and cosines.
+    double arc2TrigBound;
+    double arc3TrigBound;
+    /// 1 / (1 - e^2) and 1/6, 1/120, 1/24, 1/720 for the forward's higher terms.
+    double inverseOneMinusE2;
+    double inverse[4];
+    /// The library's sine and cosine of the latitude of origin.
+    double sinPhi0;
+    double cosPhi0;
+    /// True where the shortcut takes the sines and cosines of dp and sp from those of
+    /// the latitude (origin at or near the equator).
+    bool fromPhi;
+    /// The largest |1 - M'/aF0| over all latitudes (M the meridional arc): each step
+    /// of the inverse's iteration leaves at most this fraction of the residual.
+    double contraction;
+};
+/// The series of grid g (1 to 18, the rows of gridRow), built on first use.
+const OsSeries& gridSeries(int g);
+
 /// The Ordnance Survey's series (about 1 mm within 3.5 degrees of the central
 /// meridian, 0.1 m at 6), angles through kGridDegToRad. No check of the input.
-GridPoint osTmForward(const OsGridRow& r, const GeoPoint& position);
+GridPoint osTmForward(const OsGridRow& r, const OsSeries& s, const GeoPoint& position);
 /// Its inverse: iterates the meridional arc to 1 mm. nullopt for non-finite input or
 /// a northing so far beyond the poles that it never settles; either value of the
 /// result may still be non-finite far from the meridian.
-std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const GridPoint& grid);
+std::optional<GeoPoint> osTmInverse(const OsGridRow& r, const OsSeries& s, const GridPoint& grid);
 
 /// Scale, false easting and southern false northing of UTM.
 constexpr double kUtmScale = 0.9996;
 constexpr double kUtmFalseEasting = 500000.0;
 constexpr double kUtmFalseNorthingSouth = 10000000.0;
 
-/// The series of LLtoUTM (Snyder's, to e^6) on a radius and e^2, the forward with
-/// kLegacyUtmDegToRad. Northing counted from the equator (negative south). No checks.
-GridPoint legacyUtmForward(double a, double e2, double lat, double lon, double centralMeridian);
+/// The constants of the series of LLtoUTM and UTMtoLL on one ellipsoid of their table,
+/// computed as the series has always computed them.
+struct LegacyUtmSeries
+{
+    LegacyUtmSeries(double a, double e2);
+
+    double a;
+    double e2;
+    double ep2;  ///< second eccentricity squared
+    double m[4]; ///< meridian arc: coefficients of phi, sin 2phi, sin 4phi, sin 6phi
+    double mu;   ///< a (1 - e2/4 - 3e4/64 - 5e6/256) as the inverse divides by it
+    double j[3]; ///< footpoint latitude: coefficients of sin 2mu, sin 4mu, sin 6mu
+};
+/// The series of ellipsoid 1 to 23 of legacyUtmEllipsoid; nullptr for other indexes.
+const LegacyUtmSeries* legacyUtmSeries(int ellipsoid);
+
+/// The series of LLtoUTM (Snyder's, to e^6), the forward with kLegacyUtmDegToRad.
+/// Northing counted from the equator (negative south). No checks.
+GridPoint legacyUtmForward(const LegacyUtmSeries& s, double lat, double lon, double centralMeridian);
 /// The series of UTMtoLL, with the exact factor. No checks; may be non-finite.
-GeoPoint legacyUtmInverse(double a, double e2, double centralMeridian, const GridPoint& grid);
+GeoPoint legacyUtmInverse(const LegacyUtmSeries& s, double centralMeridian, const GridPoint& grid);
 
 /// A UTM position as parts.
 struct UtmPoint
@@ -231,13 +282,25 @@ bool validGridPosition(double lat, double lon);
 /// LL2TM's easting and northing, with its deliberate offsets of -5 mm easting and
 /// +5 mm northing; nullopt where LL2TM gives -1.0.
 std::optional<GridPoint> gridForward(double lat, double lon, int grid, long zoneMeridian);
+/// A grid's row with its series, for converting many positions.
+struct OsGrid
+{
+    OsGridRow row;
+    const OsSeries* series;
+};
+/// The grid LL2TM uses for grid and zoneMeridian; nullopt where LL2TM gives -1.0 for
+/// every position.
+std::optional<OsGrid> forwardGrid(int grid, long zoneMeridian);
+/// gridForward of a position that validGridPosition accepts.
+GridPoint gridForward(const OsGrid& grid, double lat, double lon);
 
 /// A British ("TG", grid 1), Irish ("O", grid 2) or MGRS (any other grid) reference.
 struct GridReference
 {
-    long zone = 0;    ///< MGRS only
-    char band = 0;    ///< MGRS only
-    QString letters;  ///< two (British, MGRS column and row) or one (Irish)
+    long zone = 0; ///< MGRS only
+    char band = 0; ///< MGRS only
+    /// Two (British, MGRS column and row) or one (Irish; letters[1] is 0).
+    char letters[2] = {0, 0};
     int easting = 0;  ///< metres within the 100 km square, 0 to 99999
     int northing = 0; ///< metres within the 100 km square, 0 to 99999
 };
@@ -299,7 +362,8 @@ struct NationalGridDefinition
     int squaresNorth; ///< and north of it
 };
 /// Ordnance Survey National Grid (OSGB36): the 500 km squares S, T, N, O, H, J.
-constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0, 10, 15};
+constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0,
+                                                        10,   15};
 /// Irish Grid (Ireland 1965): 5 x 5 squares A to Z without I.
 constexpr NationalGridDefinition kIrishGridDefinition{53.5, -8.0, 1.000035, 200000.0, 250000.0, 5, 5};
 

@@ -1,10 +1,10 @@
 #include "coord/maskconverter.h"
 
+#include "coord/maskconverter_p.h"
+
 #include "errorhandling/quality.h"
 
-namespace {
-
-bool isInputPosition(QChar maskChar)
+bool MaskText::isInputPosition(QChar maskChar)
 {
     switch (maskChar.unicode()) {
     case '#':
@@ -18,6 +18,40 @@ bool isInputPosition(QChar maskChar)
         return false;
     }
 }
+
+QString MaskText::merge(const QString& mask, const QString& raw, QChar placeholder)
+{
+    if (mask.isEmpty())
+        return mask; // a null mask gives a null text, as a copy of the mask always did
+    QString text(mask.size(), Qt::Uninitialized);
+    QChar* out = text.data();
+    const QChar* m = mask.constData();
+    const QChar* r = raw.constData();
+    const int rawSize = raw.size();
+    int next = 0;
+    for (int i = 0; i < mask.size(); ++i)
+        out[i] = !isInputPosition(m[i]) ? m[i] : next < rawSize ? r[next++] : placeholder;
+    return text;
+}
+
+QString MaskText::extract(const QString& mask, const QString& maskText)
+{
+    const int end = qMin(mask.size(), maskText.size());
+    QString raw(end, Qt::Uninitialized);
+    QChar* out = raw.data();
+    const QChar* m = mask.constData();
+    const QChar* t = maskText.constData();
+    int count = 0;
+    for (int i = 0; i < end; ++i)
+        if (isInputPosition(m[i]))
+            out[count++] = t[i];
+    raw.truncate(count);
+    return raw;
+}
+
+namespace {
+
+using MaskText::isInputPosition;
 
 bool isAsciiLetter(char c)
 {
@@ -64,30 +98,13 @@ bool MaskConverter::IsPositionInMaskText(unsigned int nPos) const
 
 void MaskConverter::SetText(const QString& raw)
 {
-    // Overwriting a copy of the mask keeps every position inside the text, so
-    // the check below only fires if that ever changes.
-    m_strMaskText = m_strMask;
-    const QChar placeholder = QLatin1Char(m_cPlaceHolder);
-    int next = 0;
-    for (unsigned int nPos = 0; nPos < static_cast<unsigned int>(m_strMask.length()); ++nPos) {
-        if (!IsPositionInMaskText(nPos))
-            break;
-        if (!isInputPosition(m_strMask.at(nPos)))
-            continue;
-        m_strMaskText[nPos] = next < raw.length() ? raw.at(next++) : placeholder;
-    }
+    // The text is as long as the mask, so the position check cannot fire here.
+    m_strMaskText = MaskText::merge(m_strMask, raw, QLatin1Char(m_cPlaceHolder));
 }
 
 QString MaskConverter::GetText() const
 {
-    QString raw;
-    raw.reserve(m_strMask.length());
-    const int end = qMin(m_strMask.length(), m_strMaskText.length());
-    for (int i = 0; i < end; ++i) {
-        if (isInputPosition(m_strMask.at(i)))
-            raw.append(m_strMaskText.at(i));
-    }
-    return raw;
+    return MaskText::extract(m_strMask, m_strMaskText);
 }
 
 bool MaskConverter::IsMaskChar(unsigned int nPos) const

@@ -6,7 +6,11 @@
 
 #include "kvbase_export.h"
 
+#include "coord/arrayresult.h"
+
 #include <QString>
+
+#include <cstddef>
 
 /// Notations of the free conversion functions CoordToString, CoordToRT90String,
 /// CoordToSWEREF99String and StringToCoord. The numbers are stored by applications.
@@ -73,6 +77,45 @@ public:
     /// \param zoneMeridian central meridian in whole degrees for grids 3, 4, 10 and 11
     /// \return degrees; -1.0 for another grid
     double TM2LL(bool wantLatitude, double easting, double northing, int grid, long zoneMeridian) const;
+
+    /// Easting and northing at once from one evaluation of the series: they get exactly
+    /// what LL2TM(true, ...) and LL2TM(false, ...) return.
+    /// \param lat, lon, grid, zoneMeridian as for LL2TM
+    /// \param easting, northing receive the grid values in metres
+    /// \return false (both -1.0) for an invalid position, grid or meridian
+    bool LL2TM(double lat, double lon, int grid, long zoneMeridian, double& easting, double& northing) const;
+    /// Latitude and longitude at once from one run of the iteration: they get exactly
+    /// what TM2LL(true, ...) and TM2LL(false, ...) return.
+    /// \param easting, northing, grid, zoneMeridian as for TM2LL
+    /// \param lat, lon receive degrees
+    /// \return false when the position gives no latitude or no longitude (unknown grid,
+    ///         non-finite input, a northing beyond the poles, a result that is not finite
+    ///         far from the meridian); the missing value is then -1.0 as TM2LL has it
+    bool TM2LL(double easting, double northing, int grid, long zoneMeridian, double& lat, double& lon) const;
+
+    /// LL2TM of many positions in one grid, each result exactly what the single call
+    /// gives, at less cost per point.
+    /// \param count        number of positions
+    /// \param lat          latitudes in degrees, north positive (count values)
+    /// \param lon          longitudes in degrees, east positive (count values)
+    /// \param grid         grid number as for LL2TM
+    /// \param zoneMeridian central meridian in whole degrees for grids 3, 4, 10 and 11
+    /// \param easting      receives count eastings in metres
+    /// \param northing     receives count northings in metres
+    /// \return the points that failed (their outputs NaN) and why the first failed
+    ArrayResult LL2TM(std::size_t count, const double* lat, const double* lon, int grid, long zoneMeridian,
+                      double* easting, double* northing) const;
+    /// TM2LL of many grid positions, each result exactly what the single calls give.
+    /// \param count        number of positions
+    /// \param easting      eastings in metres (count values)
+    /// \param northing     northings in metres (count values)
+    /// \param grid         grid number 1 to 12 as for TM2LL
+    /// \param zoneMeridian central meridian in whole degrees for grids 3, 4, 10 and 11
+    /// \param lat          receives count latitudes in degrees
+    /// \param lon          receives count longitudes in degrees
+    /// \return the points that failed (their outputs NaN) and why the first failed
+    ArrayResult TM2LL(std::size_t count, const double* easting, const double* northing, int grid,
+                      long zoneMeridian, double* lat, double* lon) const;
 
     /// \param lat latitude in degrees, -90..90
     /// \param lon longitude in degrees, -180..180

@@ -1,7 +1,9 @@
 #include "coord/swedishgrids.h"
 
+#include "coord/arrayresult_p.h"
 #include "coord/geodesy_p.h"
 
+#include <cmath>
 #include <limits>
 
 using namespace Geodesy;
@@ -83,4 +85,52 @@ bool GaussKrugerProjection::gridToGeodetic(double x, double y, double& lat, doub
     lat = p->lat;
     lon = p->lon;
     return true;
+}
+
+namespace {
+
+QString gaussProblem(const char* first, double a, const char* second, double b)
+{
+    if (!std::isfinite(a) || !std::isfinite(b))
+        return QStringLiteral("%1 %2 is not a finite number")
+            .arg(QLatin1String(std::isfinite(a) ? second : first), arrayValueText(std::isfinite(a) ? b : a));
+    return QStringLiteral("%1 %2, %3 %4 gives no finite result (no parameter set chosen, or too far from the "
+                          "central meridian)")
+        .arg(QLatin1String(first), arrayValueText(a), QLatin1String(second), arrayValueText(b));
+}
+
+} // namespace
+
+ArrayResult GaussKrugerProjection::geodeticToGrid(std::size_t count, const double* lat, const double* lon,
+                                                  double* x, double* y) const
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {lat, lon, x, y}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    const TmParameters p = parameters(*this);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::optional<GridPoint> g = tmForward(p, {lat[i], lon[i]});
+        x[i] = g ? g->northing : kArrayFailure;
+        y[i] = g ? g->easting : kArrayFailure;
+        if (!g && failures.fail(i))
+            failures.because(gaussProblem("latitude", lat[i], "longitude", lon[i]));
+    }
+    return failures.result();
+}
+
+ArrayResult GaussKrugerProjection::gridToGeodetic(std::size_t count, const double* x, const double* y,
+                                                  double* lat, double* lon) const
+{
+    ArrayFailures failures;
+    if (!arraysGiven(count, {x, y, lat, lon}))
+        return failures.all(count, QStringLiteral("an array pointer is null"));
+    const TmParameters p = parameters(*this);
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::optional<GeoPoint> g = tmInverse(p, {y[i], x[i]});
+        lat[i] = g ? g->lat : kArrayFailure;
+        lon[i] = g ? g->lon : kArrayFailure;
+        if (!g && failures.fail(i))
+            failures.because(gaussProblem("x", x[i], "y", y[i]));
+    }
+    return failures.result();
 }

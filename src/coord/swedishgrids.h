@@ -6,9 +6,12 @@
 
 #include "kvbase_export.h"
 
+#include "coord/arrayresult.h"
 #include "coord/merccoordtrans.h"
 
 #include <QString>
+
+#include <cstddef>
 
 /// Gauss conformal (transverse Mercator) projection with Krueger's series to n^4,
 /// configured by the name of a Swedish parameter set: "rt90_7.5_gon_v" ...
@@ -59,6 +62,25 @@ public:
     /// \param lon receives the longitude in degrees
     /// \return false (lat, lon untouched) for non-finite input or results
     bool gridToGeodetic(double x, double y, double& lat, double& lon) const;
+
+    /// geodeticToGrid of many positions, each exactly what the single call gives.
+    /// \param count number of positions
+    /// \param lat   latitudes in degrees (count values)
+    /// \param lon   longitudes in degrees (count values)
+    /// \param x     receives count northings in metres
+    /// \param y     receives count eastings in metres
+    /// \return the points that failed (their outputs NaN) and why the first failed
+    ArrayResult geodeticToGrid(std::size_t count, const double* lat, const double* lon, double* x,
+                               double* y) const;
+    /// gridToGeodetic of many grid positions, each exactly what the single call gives.
+    /// \param count number of positions
+    /// \param x     northings in metres (count values)
+    /// \param y     eastings in metres (count values)
+    /// \param lat   receives count latitudes in degrees
+    /// \param lon   receives count longitudes in degrees
+    /// \return the points that failed (their outputs NaN) and why the first failed
+    ArrayResult gridToGeodetic(std::size_t count, const double* x, const double* y, double* lat,
+                               double* lon) const;
 
     /// \return the semi-major axis in metres
     double axis() const { return m_dAxis; } ///< semi-major axis, metres

@@ -6,7 +6,11 @@
 
 #include "kvbase_export.h"
 
+#include "coord/arrayresult.h"
+
 #include <QString>
+
+#include <cstddef>
 
 /// One row of the reference ellipsoid table of LLtoUTM/UTMtoLL.
 struct UtmEllipsoid
@@ -51,5 +55,34 @@ KVBASE_EXPORT void LLtoUTM(int ellipsoid, double lat, double lon, double& northi
 /// \param lon       receives the longitude in degrees
 KVBASE_EXPORT void UTMtoLL(int ellipsoid, double northing, double easting, QString zone, double& lat,
                            double& lon);
+
+/// LLtoUTM of many positions on one ellipsoid, each exactly what the single call gives
+/// but with the zone as parts instead of a text.
+/// \param ellipsoid index 1 to 23 of the ellipsoid table (23 = WGS-84)
+/// \param count     number of positions
+/// \param lat       latitudes in degrees, north positive (count values)
+/// \param lon       longitudes in degrees, east positive (count values)
+/// \param northing  receives count northings in metres
+/// \param easting   receives count eastings in metres
+/// \param zone      receives count zone numbers (the number of the zone text)
+/// \param band      receives count latitude band letters ("Z" outside -80..84)
+/// \return the points that failed (NaN values, zone 0, band 0) and why the first failed
+KVBASE_EXPORT ArrayResult LLtoUTM(int ellipsoid, std::size_t count, const double* lat, const double* lon,
+                                  double* northing, double* easting, int* zone, char* band);
+
+/// UTMtoLL of many positions on one ellipsoid, each exactly what the single call gives
+/// for the zone text of its zone number and band letter.
+/// \param ellipsoid index 1 to 23 of the ellipsoid table (23 = WGS-84)
+/// \param count     number of positions
+/// \param northing  northings in metres (count values)
+/// \param easting   eastings in metres (count values)
+/// \param zone      zone numbers 1 to 60 (count values)
+/// \param band      band letters (count values; "N" to "Z" are northern, either case)
+/// \param lat       receives count latitudes in degrees
+/// \param lon       receives count longitudes in degrees
+/// \return the points that failed (NaN values) and why the first failed
+KVBASE_EXPORT ArrayResult UTMtoLL(int ellipsoid, std::size_t count, const double* northing,
+                                  const double* easting, const int* zone, const char* band, double* lat,
+                                  double* lon);
 
 #endif // KVBASE_COORD_UTM_H
