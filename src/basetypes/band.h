@@ -62,6 +62,7 @@ public:
     /// A child that is not an element ends the reading and is traced as "error loading job.".
     void Read(QDomDocument& doc, QDomElement& element);
     /// Appends the band's child elements to `element`; a system band writes only its name.
+    /// Every number reads back to the same double, bit for bit (NaN as some NaN).
     void Save(QDomDocument& doc, QDomElement& element);
 
     /// Channel band: the frequency of `channel` (as BandGSM::GetFrequency). Plain band:

@@ -2,7 +2,12 @@
 #include "errorhandling/errorhandler.h"
 
 #include <QDomDocument>
+#include <QRandomGenerator>
 #include <QtTest>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
 
 namespace {
 
@@ -49,6 +54,8 @@ private Q_SLOTS:
     void plainBand();
     void channelBand();
     void save();
+    void savedNumbersReadBackExactly_data();
+    void savedNumbersReadBackExactly();
     void read_data();
     void read();
     void readTracesNonElements();
@@ -274,10 +281,10 @@ void TestBand::save()
              QStringLiteral("<Band><Name>Private 1800</Name><Channelspacing>200000</Channelspacing>"
                             "<Type>GSM</Type><StartChannel>512</StartChannel><StopChannel>885</StopChannel>"
                             "<StartFrequency>1710200000.000000</StartFrequency></Band>"));
-    // 20 significant digits for the spacing, six for the offset.
-    Band plain(QStringLiteral("Air"), 25000.0 / 3, 1234567.0, false);
+    // 20 significant digits for the spacing; the offset as short as reads back exactly.
+    Band plain(QStringLiteral("Air"), 25000.0 / 3, 12345678.9, false);
     QCOMPARE(saved(plain), QStringLiteral("<Band><Name>Air</Name><Channelspacing>8333.3333333333339397"
-                                          "</Channelspacing><Type>Simple</Type><Offset>1.23457e+06</Offset>"
+                                          "</Channelspacing><Type>Simple</Type><Offset>12345678.9</Offset>"
                                           "<UseRaster>0</UseRaster></Band>"));
     // A type no constructor makes (read from a future version, say) writes an empty Type.
     struct OddBand : Band
@@ -297,6 +304,45 @@ void TestBand::save()
     }
 }
 
+// Offsets and start frequencies of every magnitude survive Save and Read bit for bit.
+void TestBand::savedNumbersReadBackExactly_data()
+{
+    QTest::addColumn<bool>("channelBand");
+    QTest::newRow("offset of a plain band") << false;
+    QTest::newRow("start frequency of a channel band") << true;
+}
+
+void TestBand::savedNumbersReadBackExactly()
+{
+    QFETCH(bool, channelBand);
+    QRandomGenerator random(0x4b76);
+    QVector<double> values = {-0.0,
+                              qInf(),
+                              -qInf(),
+                              std::numeric_limits<double>::denorm_min(),
+                              std::numeric_limits<double>::max(),
+                              12345678.9,
+                              890200000.0000001};
+    for (int i = 0; i < 20000; ++i) {
+        // Half any bit pattern, half frequencies with fractions of a hertz.
+        const quint64 bits = random.generate64();
+        double value = 0.0;
+        std::memcpy(&value, &bits, sizeof value);
+        if (!std::isnan(value))
+            values << value;
+        values << random.bounded(6e9);
+    }
+    for (const double value : qAsConst(values)) {
+        Band band = channelBand ? Band(QStringLiteral("b"), 200000.0, value, 1, 2, 1, false)
+                                : Band(QStringLiteral("b"), 25000.0, value, true);
+        const QString xml = saved(band);
+        Band copy;
+        readInto(copy, xml.mid(6, xml.size() - 13));
+        const double back = channelBand ? copy.GetStartFreq() : copy.GetOffset();
+        QVERIFY2(std::memcmp(&back, &value, sizeof value) == 0, qPrintable(xml));
+    }
+}
+
 // Children read into a GSM band, and a piece of what the band then saves.
 void TestBand::read_data()
 {
@@ -311,6 +357,12 @@ void TestBand::read_data()
         {"UseRaster must be exactly 1", "<UseRaster>true</UseRaster><Type>Simple</Type>", "<UseRaster>0<"},
         {"unknown tags are skipped", "<Foo>1</Foo><Name>n</Name>", "<Name>n<"},
         {"absent elements leave the field", "<Name>n</Name>", "<StartFrequency>1000000000.000000<"},
+        {"a six-digit offset keeps its text", "<Type>Simple</Type><Offset>1.23457e+07</Offset>",
+         "<Offset>1.23457e+07<"},
+        {"a six-decimal frequency keeps its text", "<StartFrequency>890200000.123457</StartFrequency>",
+         "<StartFrequency>890200000.123457<"},
+        {"a long frequency is read in full", "<StartFrequency>890200000.12345678</StartFrequency>",
+         "<StartFrequency>890200000.1234568<"},
         {"a comment stops it", "<Name>a</Name><!--x--><StopChannel>20</StopChannel>", "<StopChannel>2<"},
         {"a leading text stops it at once", "text<Name>a</Name>", "<Name>seed<"},
     };
