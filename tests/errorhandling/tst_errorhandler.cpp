@@ -1,9 +1,13 @@
+#include "ordertracer.h"
+
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/quality.h"
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -104,6 +108,10 @@ private Q_SLOTS:
     void dialogs();
     void uncaughtHandlers();
     void concurrentReportsAreAllRecorded();
+    void millionReportsWithoutALoopStayBounded();
+    void reportingThreadsDoNotWaitForABusyHandlerThread();
+    void reportJustBeforeExitReachesTheLogFile_data();
+    void reportJustBeforeExitReachesTheLogFile();
     void dialogIsDroppedWhenTheApplicationQuits();
 };
 
@@ -281,6 +289,85 @@ void TestErrorHandler::concurrentReportsAreAllRecorded()
         ids.insert(reason);
     }
     QCOMPARE(ids.size(), threads * perThread);
+}
+
+// The handler's thread runs no event loop here: reports wait in a bounded
+// queue, which the thread empties itself when it is full.
+void TestErrorHandler::millionReportsWithoutALoopStayBounded()
+{
+    auto owned = std::make_unique<OrderTracer>(true);
+    OrderTracer* tracer = owned.get();
+    ErrorHandler::SetLogTracer(std::move(owned));
+    handler().flush();
+    const qint64 before = memoryKb("VmRSS:");
+    constexpr int reports = 1000000;
+    for (int i = 0; i < reports; ++i)
+        handler().ProtocolMessage(QStringLiteral("million:%1").arg(i), QString(), QString(), QString(), 1,
+                                  255);
+    const qint64 growth = memoryKb("VmHWM:") - before;
+    QVERIFY2(tracer->next.value(QStringLiteral("million")) > reports - ErrorHandler::MaxPendingReports,
+             "a full queue is recorded");
+    handler().flush();
+    QCOMPARE(tracer->firstFault, QString());
+    QCOMPARE(tracer->next.value(QStringLiteral("million")), reports);
+    QVERIFY2(
+        handler().GetMessages()->GetList().front()->GetText().startsWith(QLatin1String("@million:999999@")),
+        "newest first");
+    QVERIFY2(!kMeasuresMemory || growth < 8 * 1024,
+             qPrintable(QStringLiteral("peak grew by %1 kB").arg(growth)));
+    ErrorHandler::SetLogTracer(nullptr);
+}
+
+// While the handler's thread waits for them, reporting threads must neither
+// wait for it forever nor lose a report.
+void TestErrorHandler::reportingThreadsDoNotWaitForABusyHandlerThread()
+{
+    auto owned = std::make_unique<OrderTracer>(true);
+    OrderTracer* tracer = owned.get();
+    ErrorHandler::SetLogTracer(std::move(owned));
+    constexpr int perThread = 3 * ErrorHandler::MaxPendingReports;
+    std::vector<std::thread> workers;
+    for (int t = 0; t < 2; ++t) {
+        workers.emplace_back([t] {
+            for (int i = 0; i < perThread; ++i)
+                protocol(QStringLiteral("busy%1:%2").arg(t).arg(i), 2);
+        });
+    }
+    for (auto& worker : workers)
+        worker.join();
+    handler().flush();
+    QCOMPARE(tracer->firstFault, QString());
+    QCOMPARE(tracer->count, 2 * perThread);
+    ErrorHandler::SetLogTracer(nullptr);
+}
+
+void TestErrorHandler::reportJustBeforeExitReachesTheLogFile_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::newRow("without an application object") << "no-application";
+    QTest::newRow("from an application that never runs its loop") << "application";
+    QTest::newRow("just before the loop quits") << "quit";
+    QTest::newRow("from a worker thread") << "worker";
+    QTest::newRow("followed by std::exit") << "exit";
+}
+
+void TestErrorHandler::reportJustBeforeExitReachesTheLogFile()
+{
+    QFETCH(QString, way);
+    QTemporaryDir dir;
+    QVERIFY(dir.isValid());
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("TMPDIR"), dir.path());
+    QProcess helper;
+    helper.setProcessEnvironment(environment);
+    const QString text = QStringLiteral("last words, ") + way;
+    helper.start(QStringLiteral(KVBASE_REPORT_HELPER), {way, text});
+    QVERIFY(helper.waitForFinished(120000));
+    QCOMPARE(helper.exitCode(), 0);
+    QFile log(dir.filePath(QStringLiteral("Logger.txt")));
+    QVERIFY(log.open(QIODevice::ReadOnly));
+    const QByteArray written = log.readAll();
+    QVERIFY2(written.contains(text.toUtf8() + " in file exit in class Helper"), written.constData());
 }
 
 void TestErrorHandler::dialogIsDroppedWhenTheApplicationQuits()
