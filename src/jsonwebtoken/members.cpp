@@ -1,5 +1,7 @@
 #include "jsonwebtoken/members_p.h"
 
+#include "jsonwebtoken/json_p.h"
+
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonParseError>
@@ -117,7 +119,7 @@ boost::optional<Map> decode(const QByteArray& segment)
     // tokens depend on exactly that reading, so it must not be "fixed".
     const QByteArray json = QByteArray::fromBase64(segment);
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    const QJsonDocument document = Json::parse(json, &error);
     if (error.error != QJsonParseError::NoError)
         return boost::none;
     const QJsonObject object = document.object();
