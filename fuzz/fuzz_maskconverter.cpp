@@ -27,13 +27,17 @@ void exercise(MaskConverter& converter, const QString& raw)
     const QString expected =
         raw.left(positions) + QString(qMax(0, positions - int(raw.size())), converter.GetPlaceHolder().at(0));
     FUZZ_CHECK(converter.GetText() == expected);
-    for (unsigned int pos = 0; pos <= unsigned(mask.size()) + 1; ++pos) {
+    for (unsigned int pos = 0; pos < unsigned(mask.size()); ++pos) {
         converter.IsMaskChar(pos);
         for (const char c : {'0', '9', 'a', 'Z', 'e', 'W', 'n', 's', 'x', 'Y', '-', '\0', '\xff'}) {
             char out = 0;
             converter.GetReplacementChar(pos, c, out);
         }
     }
+    // Past the text: reported, never read.
+    char out = 0;
+    FUZZ_CHECK(!converter.IsMaskChar(unsigned(mask.size())));
+    FUZZ_CHECK(!converter.GetReplacementChar(unsigned(mask.size()) + 1, '0', out));
     converter.SetFormattedText(raw);
     converter.GetText();
     converter.IsMaskChar(unsigned(raw.size()));

@@ -645,7 +645,8 @@ double CMercCoordTrans::Deg(QString text) const
     if (t.endsWith(QLatin1Char('S')) || t.endsWith(QLatin1Char('W')) || t.startsWith(QLatin1Char('S')) ||
         t.startsWith(QLatin1Char('W')))
         sign = -1.0;
-    t.remove(QRegularExpression(QStringLiteral("^[NSEW]|[NSEW]$")));
+    static const QRegularExpression hemisphere(QStringLiteral("^[NSEW]|[NSEW]$"));
+    t.remove(hemisphere);
     if (t.startsWith(QLatin1Char('-'))) {
         sign = -sign;
         t.remove(0, 1);
