@@ -3,6 +3,10 @@
 #   ./setup.sh run     build and run the main program
 #   ./setup.sh test    build and run every test through CTest
 #   ./setup.sh bench   build and run the benchmarks (with the peer libraries)
+#   ./setup.sh asan    build with AddressSanitizer + UBSan (clang) and run every test
+#   ./setup.sh tsan    build with ThreadSanitizer (clang) and run the threaded tests
+#   ./setup.sh fuzz [seconds]   build the libFuzzer targets and run each on its
+#                      corpus for that long (default 60)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -19,8 +23,24 @@ case "$mode" in
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
+    asan)
+        packages+=(clang libclang-rt-14-dev)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_ADDRESS=ON)
+        build_dir=${KVBASE_BUILD_DIR:-build-asan}
+        ;;
+    tsan)
+        packages+=(clang libclang-rt-14-dev)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_THREAD=ON)
+        build_dir=${KVBASE_BUILD_DIR:-build-tsan}
+        ;;
+    fuzz)
+        packages+=(clang libclang-rt-14-dev)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_BUILD_FUZZERS=ON -DBUILD_TESTING=OFF
+            -DKVBASE_BUILD_EXAMPLES=OFF -DKVBASE_BUILD_TOOLS=OFF)
+        build_dir=${KVBASE_BUILD_DIR:-build-fuzz}
+        ;;
     *)
-        echo "usage: $0 run|test|bench" >&2
+        echo "usage: $0 run|test|bench|asan|tsan|fuzz" >&2
         exit 2
         ;;
 esac
@@ -47,4 +67,15 @@ case "$mode" in
             if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
         done
         ;;
+    asan)
+        # Leaks, memory errors and undefined behaviour all fail the test.
+        export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1:strict_string_checks=1}
+        export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
+        ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@"
+        ;;
+    tsan)
+        export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:suppressions=$PWD/tests/tsan.supp}
+        ctest --test-dir "$build_dir" --output-on-failure -L threads "$@"
+        ;;
+    fuzz) fuzz/run.sh "$build_dir" "${1:-60}" ;;
 esac
