@@ -5,6 +5,9 @@
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 
+#include "coord/datumshift_p.h"
+#include "coord/geodesy_p.h"
+
 #include <QCoreApplication>
 
 #include <cmath>
@@ -85,12 +88,7 @@ struct NotationTexts
 
 const NotationTexts kTexts;
 
-// TCoordFormat values of the grid conversions.
-constexpr int kGridMgrs = 1;
-constexpr int kGridRt90 = 4;
-constexpr int kGridSweref99 = 5;
-constexpr int kEllipsoidWgs84 = 23;
-constexpr int kDatumSweref99 = 12;
+// The MGRS notation is UTM on WGS-84, CMercCoordTrans's grid 4.
 constexpr int kMgrsReferenceGrid = 4;
 
 // Repeated subtraction reproduces the applications' results exactly; fmod
@@ -173,41 +171,36 @@ bool fitsInt(double value)
     return std::fabs(value) < 1e9; // false for NaN too
 }
 
+// A zone of LLtoUTM west of -186 degrees is negative and has no text.
 QString utmText(double lon, double lat)
 {
-    double northing = 0.0;
-    double easting = 0.0;
-    QString zone;
-    LLtoUTM(kEllipsoidWgs84, lat, lon, northing, easting, zone);
-    int end = 0;
-    int zoneNumber = 0;
-    while (end < zone.length() && end < 3 && zone.at(end) >= QLatin1Char('0') &&
-           zone.at(end) <= QLatin1Char('9'))
-        zoneNumber = zoneNumber * 10 + (zone.at(end++).unicode() - '0');
-    if (end == 0 || end >= zone.length() || !fitsInt(easting + 0.5) || !fitsInt(northing + 0.5))
+    const Geodesy::LegacyUtmResult r = Geodesy::legacyUtm(Geodesy::kLegacyUtmWgs84, lat, lon);
+    if (!r.point || r.point->zone < 0)
         return QString();
-    return QString::asprintf(kNotations[cfUTM].format, zoneNumber, int(zone.at(end).unicode()),
-                             int(std::trunc(easting + 0.5)), int(std::trunc(northing + 0.5)));
+    const double easting = r.point->grid.easting + 0.5;
+    const double northing = r.point->grid.northing + 0.5;
+    if (!fitsInt(easting) || !fitsInt(northing))
+        return QString();
+    return QString::asprintf(kNotations[cfUTM].format, r.point->zone, int(r.point->band),
+                             int(std::trunc(easting)), int(std::trunc(northing)));
 }
 
+// LL2GR's "#" texts pass as they are; "Invalid" (no letters) gives no text.
 QString mgrsText(double lon, double lat)
 {
-    QString reference;
-    CoordToString(reference, lon, lat, static_cast<TCoordFormat>(kGridMgrs));
-    if (reference.length() < 13)
-        return QString();
-    return reference.remove(QLatin1Char('-'));
+    const Geodesy::GridReferenceResult r = Geodesy::gridReference(lat, lon, kMgrsReferenceGrid);
+    if (!r.reference)
+        return r.failure[0] == '#' ? QString::fromLatin1(r.failure) : QString();
+    const Geodesy::GridReference& ref = *r.reference;
+    return QString::asprintf("%02ld%c%c%c%05d%05d", ref.zone, ref.band, ref.letters.at(0).toLatin1(),
+                             ref.letters.at(1).toLatin1(), ref.easting, ref.northing);
 }
 
 QString sweref99Text(double lon, double lat)
 {
-    QString pair;
-    CoordToSWEREF99String(pair, lon, lat, static_cast<TCoordFormat>(kGridSweref99));
-    const int separator = pair.indexOf(QLatin1Char(';'));
-    if (separator < 0)
-        return QString();
-    const double x = pair.left(separator).toDouble();
-    const double y = pair.mid(separator + 1).toDouble();
+    const Geodesy::GeoPoint p = Geodesy::wgs84ToSweref99({lat, lon});
+    const double x = p.lon;
+    const double y = p.lat;
     if (!(std::fabs(x) <= 360.0 && std::fabs(y) <= 360.0))
         return QString();
     // The latitude's seconds fraction goes out in thousandths through a field
@@ -327,7 +320,7 @@ QString Coord::GetText(CoordFormat format) const
         return mgrsText(lon, lat);
     case cfRT90: {
         QString text;
-        CoordToRT90String(text, lon, lat, static_cast<TCoordFormat>(kGridRt90));
+        CoordToRT90String(text, lon, lat, TCoordFormatRT90);
         return text;
     }
     case cfSWEREF99:
@@ -357,23 +350,22 @@ void Coord::SetText(const QString& text, CoordFormat format)
         lon = readSexagesimal(text, 1, 3, withHundredths);
         lat = readSexagesimal(text, latitudeStart(format) + 1, 2, withHundredths);
         if (format == cfSWEREF99) {
-            CMercCoordTrans trans;
-            const double wgsLat = trans.ToWGS84(true, lat, lon, kDatumSweref99, 0);
-            const double wgsLon = trans.ToWGS84(false, lat, lon, kDatumSweref99, 0);
-            lat = wgsLat;
-            lon = wgsLon;
+            const Geodesy::GeoPoint wgs84 = Geodesy::sweref99ToWgs84({lat, lon});
+            lat = wgs84.lat;
+            lon = wgs84.lon;
         }
         break;
     }
     case cfUTM:
-        UTMtoLL(kEllipsoidWgs84, text.mid(10, 7).toInt(), text.mid(3, 7).toInt(), text.mid(0, 3), lat, lon);
+        UTMtoLL(Geodesy::kLegacyUtmWgs84, text.mid(10, 7).toInt(), text.mid(3, 7).toInt(), text.mid(0, 3),
+                lat, lon);
         break;
     case cfMGRS:
         CMercCoordTrans().GR2LL(text, kMgrsReferenceGrid, lat, lon);
         break;
     case cfRT90: {
         QString copy = text;
-        StringToCoord(copy, &lon, &lat, static_cast<TCoordFormat>(kGridRt90));
+        StringToCoord(copy, &lon, &lat, TCoordFormatRT90);
         break;
     }
     case cfQTHMaidenhead: {

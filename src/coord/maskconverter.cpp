@@ -44,12 +44,21 @@ QString MaskConverter::GetPlaceHolder() const
     return QString(QLatin1Char(m_cPlaceHolder));
 }
 
-// Applications report the check under this expression, file and line; keep all three.
+namespace {
+
+// The report of the position check carries this expression, cut file name and line:
+// applications and their log readers match the message by them, so all three stay.
+const wchar_t* const kPositionCheck = L"(nPos < unsigned int(m_strMaskText.length()))";
+const wchar_t* const kPositionCheckFile = L"coord\\maskconv";
+constexpr unsigned short kPositionCheckLine = 55;
+
+} // namespace
+
 bool MaskConverter::IsPositionInMaskText(unsigned int nPos) const
 {
     if (nPos < static_cast<unsigned int>(m_strMaskText.length()))
         return true;
-    _Q_assert(L"(nPos < unsigned int(m_strMaskText.length()))", L"coord\\maskconv", 55);
+    _Q_assert(kPositionCheck, kPositionCheckFile, kPositionCheckLine);
     return false;
 }
 

@@ -17,6 +17,7 @@ public:
     MaskConverter() = default;
     MaskConverter(const MaskConverter&) = default;
     MaskConverter& operator=(const MaskConverter&) = default;
+    // Virtual: the class is a polymorphic base that applications may derive from.
     virtual ~MaskConverter();
 
     /// placeholder: shown at input positions that the raw text does not fill

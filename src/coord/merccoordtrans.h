@@ -84,16 +84,6 @@ public:
     /// latitude and longitude in degrees; false (outputs untouched) for non-finite or
     /// far-off input.
     static bool convertRt90gon(double x, double y, double& lat, double& lon);
-
-private:
-    long UTMCMfromLongZone(long zone) const;
-    QString UTMLatZone(double lat) const;
-    bool ValidLat(long lat) const;
-    bool ValidLong(long lon) const;
-    bool ValidLongZone(long zone) const;
-    /// Degrees from a decimal ("59.5", "-12,25") or sexagesimal ("59 30 15.2N",
-    /// "12°15'30\"E") text; -1.0 if unreadable.
-    double Deg(QString text) const;
 };
 
 /// Position (degrees, WGS-84) as text of a notation: MGRS as "ZZB-CR-EEEEE-NNNNN"
