@@ -67,15 +67,8 @@ case "$mode" in
             if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
         done
         ;;
-    asan)
-        # Leaks, memory errors and undefined behaviour all fail the test.
-        export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1:abort_on_error=1:strict_string_checks=1}
-        export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1:halt_on_error=1}
-        ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@"
-        ;;
-    tsan)
-        export TSAN_OPTIONS=${TSAN_OPTIONS:-halt_on_error=1:second_deadlock_stack=1:suppressions=$PWD/tests/tsan.supp}
-        ctest --test-dir "$build_dir" --output-on-failure -L threads "$@"
-        ;;
+    # The tests carry their sanitizer options (see the root CMakeLists.txt).
+    asan) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
+    tsan) ctest --test-dir "$build_dir" --output-on-failure -L threads "$@" ;;
     fuzz) fuzz/run.sh "$build_dir" "${1:-60}" ;;
 esac

@@ -82,7 +82,7 @@ struct KVBASE_EXPORT EmptyEnum
     Q_GADGET
 
 public:
-    enum Type
+    enum Type : int
     {
     };
     Q_ENUM(Type)

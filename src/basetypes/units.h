@@ -8,6 +8,9 @@
 #include <QObject>
 #include <QString>
 
+// Each Type has int as its underlying type, so any int is a valid value (one
+// outside the list gives an empty text).
+
 /// Frequency units shown beside numbers. A value is the unit's decimal
 /// exponent in hertz (kHz = 3), so 10^value converts to hertz. Values are
 /// ordered from Hz up to THz; successor/predecessor step through them within a
@@ -17,7 +20,7 @@ struct KVBASE_EXPORT FrequencyUnit
     Q_GADGET
 
 public:
-    enum Type
+    enum Type : int
     {
         Hz = 0,
         kHz = 3,
@@ -51,7 +54,7 @@ struct KVBASE_EXPORT TimeUnit
     Q_GADGET
 
 public:
-    enum Type
+    enum Type : int
     {
         ns = -9,
         us = -6,

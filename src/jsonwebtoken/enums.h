@@ -9,6 +9,9 @@
 
 namespace jsonWebToken {
 
+// Every Type here has int as its underlying type, so any int (such as one read
+// from storage) is a valid value, which toString answers with an empty text.
+
 /// MAC algorithms of a token's "alg" header parameter; only HMAC is supported.
 /// toString gives the registered JSON text, an empty string outside the enum.
 /// fromString takes the first word of a text as a case-insensitive prefix
@@ -18,7 +21,7 @@ struct KVBASE_EXPORT SignatureAlgorithm
 {
     Q_GADGET
 public:
-    enum Type
+    enum Type : int
     {
         None = 0, ///< no MAC: the signature is empty
         HS256 = 1,
@@ -41,7 +44,7 @@ struct KVBASE_EXPORT HeaderParameter
 {
     Q_GADGET
 public:
-    enum Type
+    enum Type : int
     {
         Algorithm = 0,    ///< "alg", SignatureAlgorithm::Type
         Audience = 1,     ///< "aud", QString
@@ -66,7 +69,7 @@ struct KVBASE_EXPORT Claim
 {
     Q_GADGET
 public:
-    enum Type
+    enum Type : int
     {
         Audience = 0,       ///< "aud", QString
         AudienceList = 1,   ///< "aud", QStringList
@@ -93,7 +96,7 @@ struct KVBASE_EXPORT VerificationError
 {
     Q_GADGET
 public:
-    enum Type
+    enum Type : int
     {
         Unknown = 0,
         NoError = 1,

@@ -382,36 +382,40 @@ void TestJsonWebToken::badInput()
     }
 }
 
-// Repeated member names read as Qt's JSON parser reads them (the last one
-// wins), although the reader works around the parser's leak of replaced
-// arrays and objects (which the AddressSanitizer build would report).
+// Repeated member names read as Qt's JSON parser reads them, the last one
+// winning, although the reader works around the parser's leak of replaced
+// arrays and objects (which the AddressSanitizer build would report). The
+// expected members are written without repeats, so Qt parses them leak-free.
 void TestJsonWebToken::repeatedMembers_data()
 {
     QTest::addColumn<QByteArray>("json");
-    QTest::newRow("array replaced") << QByteArray(R"({"a":[1],"a":2})");
-    QTest::newRow("object replaced twice") << QByteArray(R"({"a":{"b":1},"b":0,"a":{"c":[]},"a":"x"})");
-    QTest::newRow("in a nested object") << QByteArray(R"({"o":{"a":[1],"a":[2]},"p":[{"a":{},"a":1}]})");
-    QTest::newRow("escaped name repeats a plain one") << QByteArray(R"({"\u0061":[1],"a":2,"\u0001":3})");
-    QTest::newRow("value text that looks like a name") << QByteArray(R"({"a":"a","a":["\"a\":"],"b":"a"})");
-    QTest::newRow("broken after a repeat") << QByteArray(R"({"a":[1],"a":2,)");
-    QTest::newRow("broken inside the replaced array") << QByteArray(R"({"a":[1,,2],"a":2})");
-    QTest::newRow("invalid escape in a repeated name") << QByteArray(R"({"\q":[1],"\q":2})");
+    QTest::addColumn<QByteArray>("expected"); // empty: refused
+    const char* const rows[][3] = {
+        {"array replaced", R"({"a":[1],"a":2})", R"({"a":2})"},
+        {"object replaced twice", R"({"a":{"b":1},"b":0,"a":{"c":[]},"a":"x"})", R"({"a":"x","b":0})"},
+        {"in nested objects", R"({"o":{"a":[1],"a":[2]},"p":[{"a":{},"a":1}]})",
+         R"({"o":{"a":[2]},"p":[{"a":1}]})"},
+        {"escaped name repeats a plain one", R"({"\u0061":[1],"a":2,"\u0001":3})", R"({"a":2,"\u0001":3})"},
+        {"value text that looks like a name", R"({"a":"a","a":["\"a\":"],"b":"a"})",
+         R"({"a":["\"a\":"],"b":"a"})"},
+        {"broken after a repeat", R"({"a":[1],"a":2,)", ""},
+        {"broken inside the replaced array", R"({"a":[1,,2],"a":2})", ""},
+        // Qt reads an unknown escape as the character itself.
+        {"unknown escape in a repeated name", R"({"\q":[1],"q":2})", R"({"q":2})"},
+        {"bad unicode escape in a repeated name", R"({"\u00zz":[1],"\u00zz":2})", ""},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row[0]) << QByteArray(row[1]) << QByteArray(row[2]);
 }
 
 void TestJsonWebToken::repeatedMembers()
 {
     QFETCH(QByteArray, json);
-    QJsonParseError error;
-    const QJsonDocument reference = QJsonDocument::fromJson(json, &error);
+    QFETCH(QByteArray, expected);
     const auto payload = Payload::fromValue(json.toBase64());
-    QCOMPARE(bool(payload), error.error == QJsonParseError::NoError);
-    if (!payload)
-        return;
-    Payload expected;
-    const QVariantMap members = reference.object().toVariantMap();
-    for (auto it = members.begin(); it != members.end(); ++it)
-        expected.withClaim(it.key(), it.value());
-    QCOMPARE(*payload, expected);
+    QCOMPARE(bool(payload), !expected.isEmpty());
+    if (payload)
+        QCOMPARE(*payload, *Payload::fromValue(expected.toBase64()));
 }
 
 QTEST_GUILESS_MAIN(TestJsonWebToken)
