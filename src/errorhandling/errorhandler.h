@@ -88,22 +88,24 @@ public:
 /// records at once in the caller's thread. One recursive mutex, the quality
 /// mutex, serialises all reporting and recording.
 ///
-/// Delivery: the handler's thread records what is pending when its event
-/// loop runs, at flush(), when the application is about to quit or the
-/// QCoreApplication is destroyed, and when the handler is destroyed at
-/// process exit; so no report is lost. At most MaxPendingReports wait: when
-/// the queue is full, a report from the handler's thread first records what
-/// is pending; another thread waits until the handler's thread makes room,
-/// and when that thread records nothing for 50 ms (it runs no event loop, or
-/// is blocked), or the reporting thread holds the quality mutex, it records
-/// the pending reports itself under the quality mutex. Memory stays bounded
-/// and no thread waits for a thread that waits for it.
+/// Delivery: pending reports are recorded when the handler's thread runs its
+/// event loop, at flush(), when the application is about to quit or its
+/// QCoreApplication is destroyed, and when the handler is destroyed at process
+/// exit, so none is lost. At most MaxPendingReports wait: when the queue is
+/// full, a report made in the handler's thread first records what is pending;
+/// a report from another thread waits until the handler's thread makes room,
+/// unless that thread has recorded nothing for 50 ms (it runs no event loop,
+/// or is blocked) or the reporting thread holds the quality mutex, in which
+/// case the reporting thread records the pending reports itself under the
+/// quality mutex. Memory stays bounded, and no thread waits for a thread that
+/// waits for it.
 ///
 /// A program whose handler thread runs no event loop (a batch tool, a
-/// service's start-up, a test) needs to do nothing for the records to reach
-/// the list and "Logger.txt" eventually, but must call flush() before it
-/// reads the message list or the log file, or wants them current. Code that
-/// reads the message list while other threads report holds the quality mutex.
+/// service's start-up, a test) need not do anything for its reports to reach
+/// the list and "Logger.txt" in the end, but must call flush() before it reads
+/// the message list or the log file, or wherever they must be current. Code
+/// that reads the message list while other threads report holds the quality
+/// mutex.
 class KVBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public IErrorHandlerBase
 {
     Q_OBJECT
