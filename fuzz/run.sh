@@ -10,7 +10,7 @@ build_dir=$1
 seconds=$2
 failed=()
 for fuzzer in "$build_dir"/fuzz/fuzz_*; do
-    [ -x "$fuzzer" ] || continue
+    [ -f "$fuzzer" ] && [ -x "$fuzzer" ] || continue
     name=${fuzzer##*/fuzz_}
     work="$build_dir/fuzz-corpus/$name"
     artifacts="$build_dir/fuzz-artifacts"
