@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up a Debian 12 machine (as root) and builds KvBase.
-#   ./setup.sh run     build and run the main program
+#   ./setup.sh run     build and start kvtool (further arguments go to it)
 #   ./setup.sh test    build and run every test through CTest
 #   ./setup.sh bench   build and run the benchmarks (with the peer libraries)
 #   ./setup.sh asan    build with AddressSanitizer + UBSan (clang) and run every test
@@ -14,17 +14,18 @@ mode=${1:-run}
 shift || true
 build_dir=${KVBASE_BUILD_DIR:-build}
 
-packages=(g++ cmake make qtbase5-dev libboost-dev)
+packages=(g++ cmake make qtbase5-dev libboost-dev libssl-dev)
 cmake_args=()
 case "$mode" in
-    run | test) ;;
+    run) ;;
+    test) packages+=(python3-jwt python3-cryptography) ;;
     bench)
-        packages+=(libbenchmark-dev libproj-dev libjwt-dev pkg-config)
+        packages+=(libbenchmark-dev libproj-dev libjwt-dev libgeographiclib-dev pkg-config hyperfine geographiclib-tools proj-bin)
         cmake_args+=(-DKVBASE_BUILD_BENCHMARKS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-bench}
         ;;
     asan)
-        packages+=(clang libclang-rt-14-dev)
+        packages+=(clang libclang-rt-14-dev python3-jwt python3-cryptography)
         cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_ADDRESS=ON)
         build_dir=${KVBASE_BUILD_DIR:-build-asan}
         ;;
@@ -60,12 +61,13 @@ cmake -S . -B "$build_dir" -DCMAKE_BUILD_TYPE=RelWithDebInfo "${cmake_args[@]}"
 cmake --build "$build_dir" --parallel "$(nproc)"
 
 case "$mode" in
-    run) "$build_dir/examples/kvbase_demo" "$@" ;;
+    run) "$build_dir/tools/kvtool" "$@" ;;
     test) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;
     bench)
         for b in "$build_dir"/bench/bench_*; do
             if [ -f "$b" ] && [ -x "$b" ]; then "$b" "$@"; fi
         done
+        bench/bench_kvtool.sh "$build_dir/tools/kvtool"
         ;;
     # The tests carry their sanitizer options (see the root CMakeLists.txt).
     asan) ctest --test-dir "$build_dir" --output-on-failure --parallel "$(nproc)" "$@" ;;

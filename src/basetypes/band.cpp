@@ -1,7 +1,8 @@
 #include "basetypes/band.h"
 
-#include "bandgsm_p.h"
+#include "basetypes/bandgsm_p.h"
 #include "errorhandling/errorhandler.h"
+#include "errorhandling/quality_p.h"
 
 #include <QDomDocument>
 #include <QDomElement>
@@ -14,11 +15,14 @@ using namespace ChannelMath;
 
 namespace {
 
-constexpr double kDefaultStepWidth = 10000.0;
 // FindFrequency's tolerances: a channel's frequency must match exactly, a raster
 // point to within 10 µHz.
 constexpr double kChannelTolerance = 1e-15;
 constexpr double kRasterTolerance = 1e-5;
+
+// The line a failed load has been reported with since the first version; log
+// filters match it, so it does not follow this file's layout.
+constexpr std::uint16_t kReadErrorLine = 321;
 
 const QString kTagName = QStringLiteral("Name");
 const QString kTagChannelSpacing = QStringLiteral("Channelspacing");
@@ -202,7 +206,7 @@ void Band::Read(QDomDocument&, QDomElement& element)
             ErrorHandler& handler = ErrorHandler::Instance();
             if (handler.GetMessageMask() & ErrorHandler::TraceMask)
                 handler.trace(QStringLiteral("error loading job."), QStringLiteral("basetypes\\band"),
-                              QStringLiteral("Band"), QStringLiteral("Read"), 321, 3);
+                              QStringLiteral("Band"), QStringLiteral("Read"), kReadErrorLine, kTraceLevel);
             return;
         }
         const QString tag = child.tagName();

@@ -1,6 +1,6 @@
 #include "basetypes/bandgsm.h"
 
-#include "bandgsm_p.h"
+#include "basetypes/bandgsm_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +9,6 @@
 using namespace ChannelMath;
 
 namespace {
-
-// The step width a band falls back to when it has none; applications rely on it.
-constexpr double kDefaultStepWidth = 10000.0;
 
 double channelFactor(unsigned long factor)
 {

@@ -4,6 +4,9 @@
 #include <cmath>
 #include <cstdint>
 
+// The step width a band falls back to when it has none (10 kHz); applications rely on it.
+constexpr double kDefaultStepWidth = 10000.0;
+
 // Channel numbers are 32-bit quantities even where `unsigned long` is wider, so
 // the arithmetic on them is done in 32 bits explicitly.
 namespace ChannelMath {

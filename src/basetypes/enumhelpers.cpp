@@ -1,4 +1,5 @@
 #include "basetypes/enumhelpers.h"
+#include "basetypes/enumhelpers_p.h"
 
 namespace EnumHelpers {
 
@@ -18,19 +19,6 @@ QString EmptyEnum::toDisplayString(Type)
     return QString();
 }
 
-EmptyEnum::Type EmptyEnum::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<EmptyEnum>(text, ok);
-}
-
-EmptyEnum::Type EmptyEnum::successor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::successor<EmptyEnum>(value, allowed);
-}
-
-EmptyEnum::Type EmptyEnum::predecessor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::predecessor<EmptyEnum>(value, allowed);
-}
+KVBASE_ENUM_LOOKUPS(EmptyEnum)
 
 } // namespace EnumHelpers

@@ -21,6 +21,8 @@ public:
     /// on first use.
     TimeStamp2QString(const TimeStamp2QString& other);
     TimeStamp2QString& operator=(const TimeStamp2QString& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~TimeStamp2QString();
 
     /// Formats `microseconds` since 1970-01-01T00:00:00 UTC. The reference

@@ -1,6 +1,6 @@
 #include "basetypes/units.h"
 
-#include "basetypes/enumhelpers.h"
+#include "basetypes/enumhelpers_p.h"
 
 namespace {
 
@@ -56,20 +56,7 @@ QString FrequencyUnit::toDisplayString(Type value)
     return QString();
 }
 
-FrequencyUnit::Type FrequencyUnit::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<FrequencyUnit>(text, ok);
-}
-
-FrequencyUnit::Type FrequencyUnit::successor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::successor<FrequencyUnit>(value, allowed);
-}
-
-FrequencyUnit::Type FrequencyUnit::predecessor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::predecessor<FrequencyUnit>(value, allowed);
-}
+KVBASE_ENUM_LOOKUPS(FrequencyUnit)
 
 const QList<TimeUnit::Type>& TimeUnit::values()
 {
@@ -119,17 +106,4 @@ QString TimeUnit::toDisplayString(Type value)
     return QString();
 }
 
-TimeUnit::Type TimeUnit::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<TimeUnit>(text, ok);
-}
-
-TimeUnit::Type TimeUnit::successor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::successor<TimeUnit>(value, allowed);
-}
-
-TimeUnit::Type TimeUnit::predecessor(Type value, const QList<Type>& allowed)
-{
-    return EnumHelpers::predecessor<TimeUnit>(value, allowed);
-}
+KVBASE_ENUM_LOOKUPS(TimeUnit)

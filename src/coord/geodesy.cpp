@@ -1,7 +1,9 @@
 #include "coord/geodesy_p.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <limits>
 
 namespace Geodesy {
 
@@ -112,10 +114,22 @@ namespace {
 
 std::optional<int> letterIndex(QChar c)
 {
-    for (int i = 0; i < kLetterCount; ++i)
-        if (c == QLatin1Char(kLetters[i]))
-            return i;
-    return std::nullopt;
+    // Index of each of the 24 letters by character, -1 for I, O and everything else.
+    static constexpr struct Table
+    {
+        signed char index[128] = {};
+        constexpr Table()
+        {
+            for (signed char& i : index)
+                i = -1;
+            for (int i = 0; i < kLetterCount; ++i)
+                index[int(kLetters[i])] = static_cast<signed char>(i);
+        }
+    } table{};
+    const ushort u = c.unicode();
+    if (u >= 128 || table.index[u] < 0)
+        return std::nullopt;
+    return table.index[u];
 }
 
 } // namespace
@@ -304,14 +318,28 @@ std::optional<GridPoint> tmForward(const TmParameters& p, const GeoPoint& positi
     return GridPoint{easting, northing};
 }
 
+namespace {
+
+// The series in e^2 that takes a conformal latitude phi* to the geographic one:
+// phi = phi* + sin phi* cos phi* (A + B sin^2 + C sin^4 + D sin^6), good to e^10.
+struct ConformalInverse
+{
+    double A, B, C, D;
+};
+
+ConformalInverse conformalInverse(double e2)
+{
+    const double e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
+    return {e2 + e4 + e6 + e8, -(7.0 * e4 + 17.0 * e6 + 30.0 * e8) / 6.0, (224.0 * e6 + 889.0 * e8) / 120.0,
+            -4279.0 * e8 / 1260.0};
+}
+
+} // namespace
+
 std::optional<GeoPoint> tmInverse(const TmParameters& p, const GridPoint& grid)
 {
     const KruegerSeries s = kruegerSeries(p.ellipsoid);
-    const double e2 = s.e2, e4 = e2 * e2, e6 = e4 * e2, e8 = e6 * e2;
-    const double A = e2 + e4 + e6 + e8;
-    const double B = -(7.0 * e4 + 17.0 * e6 + 30.0 * e8) / 6.0;
-    const double C = (224.0 * e6 + 889.0 * e8) / 120.0;
-    const double D = -4279.0 * e8 / 1260.0;
+    const auto [A, B, C, D] = conformalInverse(s.e2);
 
     const double xi = (grid.northing - p.falseNorthing) / (p.scale * s.aRoof);
     const double eta = (grid.easting - p.falseEasting) / (p.scale * s.aRoof);
@@ -768,6 +796,406 @@ std::optional<TmParameters> swedishParameterSet(const QString& name)
         if (name == QLatin1String(z.name))
             return TmParameters{kGrs80, z.centralMeridian, 1.0, 0.0, kSweref99LocalFalseEasting};
     return std::nullopt;
+}
+
+// ---- Transverse Mercator to n^6 and polar stereographic --------------------------------
+
+namespace {
+
+// sqrt(x^2 + y^2) without std::hypot's guard against overflow, which costs as much as
+// the rest of a projection; the arguments here stay far below 1e150.
+double norm(double x, double y)
+{
+    return std::sqrt(x * x + y * y);
+}
+
+// e atanh(e x) for |x| <= 1: what separates the conformal from the geographic latitude.
+// With e x below 0.1 (e is about 0.082 for every ellipsoid here) the series of atanh in
+// (e x)^2 reaches the last bit by its ninth term, at a fraction of log1p's cost.
+double eAtanhE(double x, double e)
+{
+    static constexpr double kInverseOdd[] = {1.0,        1.0 / 3.0,  1.0 / 5.0,  1.0 / 7.0, 1.0 / 9.0,
+                                             1.0 / 11.0, 1.0 / 13.0, 1.0 / 15.0, 1.0 / 17.0};
+    const double y = e * x, y2 = y * y;
+    if (y2 > 0.01)
+        return e * std::atanh(y);
+    double sum = kInverseOdd[8];
+    for (int k = 7; k >= 0; --k)
+        sum = sum * y2 + kInverseOdd[k];
+    return e * y * sum;
+}
+
+// sinh of the small argument eAtanhE gives (below 0.007): its series to u^7 is exact.
+double sinhSmall(double u)
+{
+    if (std::fabs(u) > 0.01)
+        return std::sinh(u);
+    const double u2 = u * u;
+    return u * (1.0 + u2 / 6.0 * (1.0 + u2 / 20.0 * (1.0 + u2 / 42.0)));
+}
+
+// Tangent of the conformal latitude of a latitude whose tangent is tau, and its inverse
+// (Karney 2011, eqs. 7 to 9 and 19 to 21).
+double conformalTan(double sphi, double cphi, double e)
+{
+    // tau / hypot(1, tau) is sin phi and hypot(1, tau) is 1 / cos phi: no square root is
+    // needed, and sqrt(1 + sig^2) for |sig| < 0.007 is its series to sig^6, which rounds
+    // once as hypot would.
+    const double tau = sphi / cphi, tau1 = 1.0 / cphi;
+    const double sig = sinhSmall(eAtanhE(sphi, e)), x = sig * sig;
+    const double hyp =
+        std::fabs(sig) < 0.01 ? 1.0 + x * (0.5 - x * (0.125 - x / 16.0)) : std::hypot(1.0, sig);
+    return hyp * tau - sig * tau1;
+}
+
+// The same with plain square roots: a last bit less certain, at half the cost, for the
+// Newton steps of the inverse, whose result does not depend on such a bit.
+double conformalTanQuick(double tau, double e)
+{
+    const double tau1 = norm(1.0, tau);
+    const double sig = sinhSmall(eAtanhE(tau / tau1, e));
+    return std::sqrt(1.0 + sig * sig) * tau - sig * tau1;
+}
+
+double geographicTan(double tauPrime, double e)
+{
+    // Newton's method from the series in e^2 of the Swedish grids, which is good to 1e-11:
+    // one step reaches the last bit (and shows that it has).
+    static const double tol = std::sqrt(std::numeric_limits<double>::epsilon()) / 10.0;
+    static const double tauMax = 2.0 / std::sqrt(std::numeric_limits<double>::epsilon());
+    const double e2m = 1.0 - e * e;
+    const double stol = tol * std::max(1.0, std::fabs(tauPrime));
+    if (!(std::fabs(tauPrime) < tauMax))
+        return tauPrime / e2m;
+    // tan(phi* + delta) with delta = sin cos (A + B sin^2 + ...) of the conformal phi*.
+    const auto [A, B, C, D] = conformalInverse(e * e);
+    const double sec2 = 1.0 + tauPrime * tauPrime, sin2 = tauPrime * tauPrime / sec2;
+    const double delta = tauPrime / sec2 * (A + sin2 * (B + sin2 * (C + sin2 * D)));
+    const double t = delta * (1.0 + delta * delta / 3.0);
+    double tau = (tauPrime + t) / (1.0 - tauPrime * t);
+    for (int i = 0; i < 5; ++i) {
+        const double tauPrimeI = conformalTanQuick(tau, e);
+        const double dtau =
+            (tauPrime - tauPrimeI) * (1.0 + e2m * tau * tau) / (e2m * norm(1.0, tau) * norm(1.0, tauPrimeI));
+        tau += dtau;
+        if (!(std::fabs(dtau) >= stol))
+            break;
+    }
+    return tau;
+}
+
+// Geographic latitude in degrees of a conformal latitude given by its tangent, from the
+// series of TmSeries::chiToPhi: one atan and no iteration.
+double geographicLatitude(const double chiToPhi[8], double tauPrime)
+{
+    const double chi = std::atan(tauPrime);
+    const double sec2 = 1.0 + tauPrime * tauPrime;
+    const double s2 = 2.0 * tauPrime / sec2, c2 = (1.0 - tauPrime) * (1.0 + tauPrime) / sec2;
+    double b1 = 0.0, b2 = 0.0;
+    for (int k = 7; k >= 1; --k) {
+        const double b = chiToPhi[k] + 2.0 * c2 * b1 - b2;
+        b2 = b1;
+        b1 = b;
+    }
+    return (chi + b1 * s2) * kRadToDeg;
+}
+
+// Sine and cosine of degrees, reduced exactly to a quadrant first so that multiples of
+// 90 degrees give exact zeros.
+void sinCosDeg(double deg, double& s, double& c)
+{
+    int q = 0;
+    double r = deg;
+    // What remquo gives for the usual range, without its cost: deg - 90 is exact there.
+    if (std::fabs(deg) <= 45.0)
+        q = 0;
+    else if (std::fabs(deg) < 135.0)
+        q = deg > 0 ? 1 : -1, r = deg - 90.0 * q;
+    else
+        r = std::remquo(deg, 90.0, &q);
+    r *= kDegToRad;
+    const double sr = std::sin(r), cr = std::cos(r);
+    switch (unsigned(q) & 3u) {
+    case 0:
+        s = sr, c = cr;
+        break;
+    case 1:
+        s = cr, c = -sr;
+        break;
+    case 2:
+        s = -sr, c = -cr;
+        break;
+    default:
+        s = -cr, c = sr;
+        break;
+    }
+    c += 0.0; // no negative zero
+    if (deg == 0.0)
+        s = deg;
+}
+
+// atan2 in degrees with the larger of |y| and |x| below, so that angles near 90 degrees
+// keep their last bits.
+double atan2Deg(double y, double x)
+{
+    int q = 0;
+    if (std::fabs(y) > std::fabs(x)) {
+        std::swap(x, y);
+        q = 2;
+    }
+    if (x < 0) {
+        x = -x;
+        ++q;
+    }
+    const double ang = std::atan2(y, x) * kRadToDeg;
+    switch (q) {
+    case 1:
+        return (y >= 0 ? 180.0 : -180.0) - ang;
+    case 2:
+        return 90.0 - ang;
+    case 3:
+        return -90.0 + ang;
+    default:
+        return ang;
+    }
+}
+
+// Sum over k = 1..6 of c[k] sin(2k zeta) for zeta = xi + i eta, by Clenshaw's recurrence
+// on 2 cos(2 zeta), from sin 2xi, cos 2xi, sinh 2eta and cosh 2eta.
+void clenshaw6(const double c[7], double s2, double c2, double sh2, double ch2, double& re, double& im)
+{
+    const double ar = 2.0 * c2 * ch2, ai = -2.0 * s2 * sh2;
+    double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
+    for (int k = 6; k >= 1; --k) {
+        const double br = c[k] + ar * b1r - ai * b1i - b2r;
+        const double bi = ar * b1i + ai * b1r - b2i;
+        b2r = b1r;
+        b2i = b1i;
+        b1r = br;
+        b1i = bi;
+    }
+    const double sr = s2 * ch2, si = c2 * sh2;
+    re = b1r * sr - b1i * si;
+    im = b1r * si + b1i * sr;
+}
+
+// The same for a zeta given by its parts.
+void clenshaw6(const double c[7], double xi, double eta, double& re, double& im)
+{
+    // sinh and cosh from one expm1, which keeps sinh's relative accuracy near zero.
+    const double em1 = std::expm1(2.0 * std::fabs(eta));
+    const double sh2 = std::copysign(0.5 * (em1 + em1 / (em1 + 1.0)), eta);
+    const double ch2 = 1.0 + 0.5 * em1 * em1 / (em1 + 1.0);
+    clenshaw6(c, std::sin(2.0 * xi), std::cos(2.0 * xi), sh2, ch2, re, im);
+}
+
+// Coefficients of n^1 to n^6 (Karney 2011, eqs. 35 and 36).
+constexpr double kAlphaRows[6][6] = {
+    {1.0 / 2.0, -2.0 / 3.0, 5.0 / 16.0, 41.0 / 180.0, -127.0 / 288.0, 7891.0 / 37800.0},
+    {0.0, 13.0 / 48.0, -3.0 / 5.0, 557.0 / 1440.0, 281.0 / 630.0, -1983433.0 / 1935360.0},
+    {0.0, 0.0, 61.0 / 240.0, -103.0 / 140.0, 15061.0 / 26880.0, 167603.0 / 181440.0},
+    {0.0, 0.0, 0.0, 49561.0 / 161280.0, -179.0 / 168.0, 6601661.0 / 7257600.0},
+    {0.0, 0.0, 0.0, 0.0, 34729.0 / 80640.0, -3418889.0 / 1995840.0},
+    {0.0, 0.0, 0.0, 0.0, 0.0, 212378941.0 / 319334400.0}};
+constexpr double kBetaRows[6][6] = {
+    {1.0 / 2.0, -2.0 / 3.0, 37.0 / 96.0, -1.0 / 360.0, -81.0 / 512.0, 96199.0 / 604800.0},
+    {0.0, 1.0 / 48.0, 1.0 / 15.0, -437.0 / 1440.0, 46.0 / 105.0, -1118711.0 / 3870720.0},
+    {0.0, 0.0, 17.0 / 480.0, -37.0 / 840.0, -209.0 / 4480.0, 5569.0 / 90720.0},
+    {0.0, 0.0, 0.0, 4397.0 / 161280.0, -11.0 / 504.0, -830251.0 / 7257600.0},
+    {0.0, 0.0, 0.0, 0.0, 4583.0 / 161280.0, -108847.0 / 3991680.0},
+    {0.0, 0.0, 0.0, 0.0, 0.0, 20648693.0 / 638668800.0}};
+
+} // namespace
+
+TmSeries::TmSeries(const Ellipsoid& ell) : ellipsoid(ell), e(std::sqrt(ell.e2()))
+{
+    const double n = ell.f / (2.0 - ell.f), n2 = n * n;
+    // a / (1 + n) (1 + n^2/4 + n^4/64 + n^6/256)
+    rectA = ell.a / (1.0 + n) * (1.0 + n2 * (1.0 / 4.0 + n2 * (1.0 / 64.0 + n2 / 256.0)));
+    alpha[0] = beta[0] = 0.0;
+    for (int k = 0; k < 6; ++k) {
+        double sa = 0.0, sb = 0.0;
+        for (int j = 5; j >= 0; --j) {
+            sa = sa * n + kAlphaRows[k][j];
+            sb = sb * n + kBetaRows[k][j];
+        }
+        alpha[k + 1] = sa * n;
+        beta[k + 1] = sb * n;
+    }
+    upsC = (1.0 - ell.f) * std::exp(eAtanhE(1.0, e));
+    // phi - chi is odd and of period pi in chi; sampled at theta = 2 chi = 2 pi j / M its
+    // sine coefficients come out exactly (aliasing enters at about n^(M - 7)).
+    constexpr int M = 32;
+    double samples[M];
+    for (int j = 0; j < M; ++j) {
+        const double chi = kPi * j / M;
+        const double t = std::tan(chi);
+        samples[j] = 2 * j == M ? 0.0 : std::atan(geographicTan(t, e)) - std::atan(t);
+    }
+    chiToPhi[0] = 0.0;
+    for (int k = 1; k < 8; ++k) {
+        double sum = 0.0;
+        for (int j = 0; j < M; ++j)
+            sum += samples[j] * std::sin(2.0 * kPi * k * j / M);
+        chiToPhi[k] = 2.0 * sum / M;
+    }
+}
+
+const TmSeries& wgs84TmSeries()
+{
+    static const TmSeries series(kWgs84);
+    return series;
+}
+
+double meridianDistance(const TmSeries& s, double lat)
+{
+    double sphi, cphi;
+    sinCosDeg(std::fabs(lat), sphi, cphi);
+    const double chi = cphi != 0.0 ? std::atan(conformalTan(sphi, cphi, s.e)) : kPi / 2.0;
+    double re, im;
+    clenshaw6(s.alpha, chi, 0.0, re, im);
+    const double m = s.rectA * (chi + re);
+    return lat < 0 ? -m : m;
+}
+
+GridPoint preciseTmForward(const PreciseTm& p, const GeoPoint& position)
+{
+    // Symmetric in both axes: computed in the first quadrant, signs put back after.
+    const TmSeries& s = *p.series;
+    double lat = position.lat, lam = position.lon - p.centralMeridian;
+    const double latSign = lat < 0 ? -1.0 : 1.0, lamSign = lam < 0 ? -1.0 : 1.0;
+    lat *= latSign;
+    lam *= lamSign;
+    double sphi, cphi, slam, clam;
+    sinCosDeg(lat, sphi, cphi);
+    sinCosDeg(lam, slam, clam);
+    // xi' = atan2(tau', cos lam), eta' = asinh(sin lam / r) with r^2 = tau'^2 + cos^2 lam;
+    // the sines and cosines of 2 xi' and 2 eta' follow from the same numbers.
+    double xip = kPi / 2.0, etap = 0.0, re, im;
+    if (lat != 90.0) {
+        const double taup = conformalTan(sphi, cphi, s.e);
+        const double r2 = taup * taup + clam * clam, tau1 = norm(1.0, taup);
+        xip = std::atan2(taup, clam);
+        etap = std::asinh(slam / std::sqrt(r2));
+        clenshaw6(s.alpha, 2.0 * taup * clam / r2, (clam - taup) * (clam + taup) / r2, 2.0 * slam * tau1 / r2,
+                  (tau1 * tau1 + slam * slam) / r2, re, im);
+    } else {
+        clenshaw6(s.alpha, 0.0, -1.0, 0.0, 1.0, re, im);
+    }
+    const double k = s.rectA * p.scale;
+    return {p.falseEasting + k * (etap + im) * lamSign,
+            p.falseNorthing + (k * (xip + re) * latSign - p.scale * p.originNorthing)};
+}
+
+GeoPoint preciseTmInverse(const PreciseTm& p, const GridPoint& grid)
+{
+    const TmSeries& s = *p.series;
+    const double k = s.rectA * p.scale;
+    double xi = ((grid.northing - p.falseNorthing) + p.scale * p.originNorthing) / k;
+    double eta = (grid.easting - p.falseEasting) / k;
+    const double xiSign = xi < 0 ? -1.0 : 1.0, etaSign = eta < 0 ? -1.0 : 1.0;
+    xi *= xiSign;
+    eta *= etaSign;
+    double re, im;
+    clenshaw6(s.beta, xi, eta, re, im);
+    const double xip = xi - re, etap = eta - im;
+    const double sh = std::sinh(etap), c = std::max(0.0, std::cos(xip));
+    const double r = norm(sh, c);
+    double phi = 90.0, lam = 0.0;
+    if (r != 0.0) {
+        lam = atan2Deg(sh, c);
+        phi = geographicLatitude(s.chiToPhi, std::sin(xip) / r);
+    }
+    return {phi * xiSign, p.centralMeridian + lam * etaSign};
+}
+
+GridPoint upsForward(bool north, const GeoPoint& position)
+{
+    const TmSeries& s = wgs84TmSeries();
+    const double lat = north ? position.lat : -position.lat;
+    double rho = 0.0;
+    if (lat != 90.0) {
+        double sphi, cphi;
+        sinCosDeg(lat, sphi, cphi);
+        const double taup = conformalTan(sphi, cphi, s.e);
+        // sec - tan of the conformal latitude, written so that it does not cancel.
+        const double t = taup >= 0 ? 1.0 / (norm(1.0, taup) + taup) : norm(1.0, taup) - taup;
+        rho = t * (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
+    }
+    double slam, clam;
+    sinCosDeg(position.lon, slam, clam);
+    return {kUpsFalseOrigin + rho * slam, kUpsFalseOrigin + (north ? -rho : rho) * clam};
+}
+
+GeoPoint upsInverse(bool north, const GridPoint& grid)
+{
+    const TmSeries& s = wgs84TmSeries();
+    const double x = grid.easting - kUpsFalseOrigin, y = grid.northing - kUpsFalseOrigin;
+    const double rho = norm(x, y);
+    double phi = 90.0;
+    if (rho != 0.0) {
+        const double t = rho / (2.0 * kUpsScale * s.ellipsoid.a / s.upsC);
+        phi = geographicLatitude(s.chiToPhi, (1.0 / t - t) / 2.0);
+    }
+    return {north ? phi : -phi, atan2Deg(x, north ? -y : y)};
+}
+
+std::optional<BandRange> bandRange(QChar letter)
+{
+    const std::optional<int> index = bandIndex(letter);
+    if (!index)
+        return std::nullopt;
+    const double south = -80.0 + 8.0 * *index;
+    return BandRange{south, *index == kBandCount - 1 ? 84.0 : south + 8.0};
+}
+
+namespace {
+
+// The polar columns: the alphabet without D, E, I, M, N, O, V, W, from easting 200 km.
+constexpr char kPolarColumns[] = "ABCFGHJKLPQRSTUXYZ";
+constexpr long kPolarColumnCount = 18;
+constexpr long kPolarFirstColumn = 2;
+struct PolarArea
+{
+    char letter;
+    long firstColumn, lastColumn; // easting / 100 km
+};
+constexpr PolarArea kPolarAreas[] = {{'A', 8, 19}, {'B', 20, 31}, {'Y', 13, 19}, {'Z', 20, 26}};
+constexpr long kPolarFirstRow[2] = {8, 13}; // south, north: northing / 100 km of row A
+constexpr long kPolarRowCount[2] = {24, 14};
+
+} // namespace
+
+char mgrsPolarColumnLetter(long eastingIndex)
+{
+    const long i = (eastingIndex - kPolarFirstColumn) % kPolarColumnCount;
+    return kPolarColumns[i < 0 ? i + kPolarColumnCount : i];
+}
+
+char mgrsPolarRowLetter(bool north, long northingIndex)
+{
+    const long i = (northingIndex - kPolarFirstRow[north]) % kLetterCount;
+    return kLetters[i < 0 ? i + kLetterCount : i];
+}
+
+std::optional<int> mgrsPolarEastingIndex(char area, QChar letter)
+{
+    for (const PolarArea& a : kPolarAreas) {
+        if (a.letter != area)
+            continue;
+        for (long column = a.firstColumn; column <= a.lastColumn; ++column)
+            if (letter == QLatin1Char(mgrsPolarColumnLetter(column)))
+                return int(column);
+    }
+    return std::nullopt;
+}
+
+std::optional<int> mgrsPolarNorthingIndex(bool north, QChar letter)
+{
+    const std::optional<int> i = letterIndex(letter);
+    if (!i || *i >= kPolarRowCount[north])
+        return std::nullopt;
+    return int(*i + kPolarFirstRow[north]);
 }
 
 } // namespace Geodesy

@@ -281,6 +281,108 @@ constexpr int kRt90TextZone = 2;
 /// zones; nullopt for any other name.
 std::optional<TmParameters> swedishParameterSet(const QString& name);
 
+// ---- National grids as published ---------------------------------------------------------
+
+/// A national transverse Mercator grid as its mapping agency publishes it, on the
+/// ellipsoid of its datum (datumshift_p.h): latitude and meridian of origin (degrees),
+/// scale, false origin (metres) and the extent of its lettered 100 km squares. Rows 1
+/// and 2 of gridRow hold the same grids as CMercCoordTrans has always stored them (axes
+/// times scale, radians through kGridDegToRad).
+struct NationalGridDefinition
+{
+    double lat0;
+    double lon0;
+    double scale;
+    double falseEasting;
+    double falseNorthing;
+    int squaresEast;  ///< lettered 100 km squares east of the false origin
+    int squaresNorth; ///< and north of it
+};
+/// Ordnance Survey National Grid (OSGB36): the 500 km squares S, T, N, O, H, J.
+constexpr NationalGridDefinition kBritishGridDefinition{49.0, -2.0, 0.9996012717, 400000.0, -100000.0, 10, 15};
+/// Irish Grid (Ireland 1965): 5 x 5 squares A to Z without I.
+constexpr NationalGridDefinition kIrishGridDefinition{53.5, -8.0, 1.000035, 200000.0, 250000.0, 5, 5};
+
+// ---- Transverse Mercator to n^6 and polar stereographic --------------------------------
+
+/// Krueger's series of an ellipsoid to the sixth order in n, with the exact conformal
+/// latitude (Karney, "Transverse Mercator with an accuracy of a few nanometers", 2011):
+/// good to a few nanometres within 4000 km of the central meridian. This is the series
+/// UTM, UPS, MGRS and the British and Irish grids of PositionText use, where texts must
+/// come out digit for digit as other careful implementations write them; the n^4 series
+/// of tmForward stays the Swedish grids' definition. Build once, share freely.
+struct TmSeries
+{
+    explicit TmSeries(const Ellipsoid& ellipsoid);
+
+    Ellipsoid ellipsoid;
+    double e;        ///< first eccentricity
+    double rectA;    ///< rectifying radius, metres
+    double alpha[7]; ///< forward coefficients alpha[1..6]
+    double beta[7];  ///< inverse coefficients beta[1..6]
+    double upsC;     ///< (1 - f) exp(e atanh e), of the polar stereographic projection
+    /// Geographic minus conformal latitude as a series in sin(2k chi), k = 1..7: the sine
+    /// transform of Newton's exact inverse at 32 points, so good to the last bit.
+    double chiToPhi[8];
+};
+
+/// The series of WGS 84, built on first use.
+const TmSeries& wgs84TmSeries();
+
+/// A transverse Mercator grid on a TmSeries; originNorthing is meridianDistance() of the
+/// latitude of origin (0 for the equator).
+struct PreciseTm
+{
+    const TmSeries* series;
+    double centralMeridian; ///< degrees
+    double scale;           ///< on the central meridian
+    double falseNorthing;   ///< metres
+    double falseEasting;    ///< metres
+    double originNorthing;  ///< metres at scale 1
+};
+
+/// Distance along the meridian from the equator to a latitude (degrees), scale 1.
+double meridianDistance(const TmSeries& series, double lat);
+/// Grid values of a position less than 90 degrees from the central meridian. No checks;
+/// non-finite input gives non-finite output.
+GridPoint preciseTmForward(const PreciseTm& p, const GeoPoint& position);
+/// The inverse of preciseTmForward; the longitude is the meridian plus at most 90 degrees.
+GeoPoint preciseTmInverse(const PreciseTm& p, const GridPoint& grid);
+
+/// UTM between 80 S (inclusive) and 84 N (exclusive), UPS beyond, as GeoConvert switches.
+constexpr double kUtmNorthEnd = 84.0;
+constexpr double kUtmSouthEnd = -80.0;
+/// UPS: polar stereographic on WGS 84, scale 0.994 at the pole, false easting and
+/// northing 2000 km.
+constexpr double kUpsScale = 0.994;
+constexpr double kUpsFalseOrigin = 2000000.0;
+/// UPS grid values of a position on the side of the given pole (degrees).
+GridPoint upsForward(bool north, const GeoPoint& position);
+/// The inverse of upsForward.
+GeoPoint upsInverse(bool north, const GridPoint& grid);
+
+/// Southern and northern limit of a latitude band letter (degrees; X reaches 84);
+/// nullopt for letters that are not bands.
+struct BandRange
+{
+    double south;
+    double north;
+};
+std::optional<BandRange> bandRange(QChar letter);
+
+/// MGRS letters of the polar areas A, B (south) and Y, Z (north): columns from A, B,
+/// C, F, G, H, J, K, L, P, Q, R, S, T, U, X, Y, Z (easting / 100 km from 2 on, west of
+/// the pole from 8 (south) or 13 (north), east of it from 20); rows A to Z without I and O
+/// from 800 km (south) or 1300 km (north).
+char mgrsPolarColumnLetter(long eastingIndex);
+char mgrsPolarRowLetter(bool north, long northingIndex);
+/// Easting / 100 km of a column letter in a polar area; nullopt for a letter the area
+/// does not use.
+std::optional<int> mgrsPolarEastingIndex(char area, QChar letter);
+/// Northing / 100 km of a row letter in the polar area of a pole; nullopt for a letter
+/// it does not use.
+std::optional<int> mgrsPolarNorthingIndex(bool north, QChar letter);
+
 } // namespace Geodesy
 
 #endif // KVBASE_COORD_GEODESY_P_H

@@ -1,5 +1,6 @@
 #include "errorhandling/errorhandler.h"
 
+#include "errorhandling/quality_p.h"
 #include "errorhandling/qualitylock_p.h"
 #include "qthelpers/signalhandler.h"
 #include <QCoreApplication>
@@ -221,7 +222,7 @@ void ErrorHandler::WatchApplication()
 void ErrorHandler::sl_protocolMessage(QString reason, QString fileName, QString className, QString methodName,
                                       std::uint16_t line, std::uint8_t level)
 {
-    Log(KvException(reason, fileName, className, methodName, line, 0xFFFFFFFF), level);
+    Log(KvException(reason, fileName, className, methodName, line, kLibraryErrorId), level);
 }
 
 void ErrorHandler::ProtocolException(const KvException& e)

@@ -3,19 +3,30 @@
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/kvexception.h"
 #include "errorhandling/quality.h"
+#include "errorhandling/quality_p.h"
 
 #include <QTextStream>
 
 #include <vector>
 
+namespace {
+
+// The source and lines a missing file is reported with since the first
+// version; log filters match them, so they do not follow this file's layout.
+constexpr QLatin1String kTextFileSource("errorhandling\\kvtextfile");
+constexpr unsigned short kMissingFileTraceLine = 37;
+constexpr unsigned int kMissingFileLine = 39;
+
+} // namespace
+
 KvTextFile::KvTextFile(const QString& path, bool mayBeMissing) : m_File(path)
 {
     if (!mayBeMissing && !m_File.exists()) {
         if (ErrorHandler::Instance().GetMessageMask() & ErrorHandler::TraceMask)
-            _Q_Trace(path, QStringLiteral("errorhandling\\kvtextfile"), 37);
-        throw KvException(QStringLiteral("File does not exist - see Details"),
-                          QStringLiteral("errorhandling\\kvtextfile"), QStringLiteral("KvTextFile"),
-                          QStringLiteral("ctor"), 39, 0xFFFFFFFF);
+            _Q_Trace(path, kTextFileSource, kMissingFileTraceLine);
+        throw KvException(QStringLiteral("File does not exist - see Details"), kTextFileSource,
+                          QStringLiteral("KvTextFile"), QStringLiteral("ctor"), kMissingFileLine,
+                          kLibraryErrorId);
     }
     m_File.open(QIODevice::ReadWrite);
 }

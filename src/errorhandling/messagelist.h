@@ -24,6 +24,8 @@ public:
     Message(QString text, const QTime& time, unsigned char level);
     Message(const Message& other);
     Message& operator=(const Message& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~Message();
 
     QString GetText() const { return m_strText; }
@@ -61,6 +63,8 @@ public:
     explicit MessageList(unsigned int maxNumber);
     MessageList(const MessageList& other);
     MessageList& operator=(const MessageList& other);
+    // Virtual although the library derives nothing from it: it is exported as
+    // polymorphic, so applications may delete a subclass through a base pointer.
     virtual ~MessageList();
 
     /// Drops the oldest entry when the list holds exactly the maximum, then

@@ -20,13 +20,15 @@ void reportContractFailure(const QString& reason, const wchar_t* fileName, const
 {
     ErrorHandler& handler = ErrorHandler::Instance();
     QualityLock locker(handler.GetQualityMutex());
-    KvException exception(reason, fromWide(fileName), className, QString(), line, 0xFFFFFFFF);
+    KvException exception(reason, fromWide(fileName), className, QString(), line, kLibraryErrorId);
     IErrorHandler* errorHandler = ErrorHandler::Interface();
     errorHandler->ProtocolException(exception);
     errorHandler->PostErrorDialog(exception, false, -1, false);
 }
 
-const QString s_strQualityFile = QStringLiteral("errorhandling\\quality");
+// The lines block traces report since their first version (see kQualitySource).
+constexpr unsigned short kBlockEntryLine = 129;
+constexpr unsigned short kBlockExitLine = 136;
 
 // Shared by every block tracer of the process. Atomic only so that tracers in
 // different threads do not race; the depth itself is not per thread.
@@ -69,7 +71,7 @@ void _Q_Trace(const QString& text, const QString& fileName, unsigned short line)
     QualityLock locker(handler.GetQualityMutex());
     const QString noName;
     if (text.size() <= maxMessageLength) {
-        handler.ProtocolMessage(text, fileName, noName, noName, line, 3);
+        handler.ProtocolMessage(text, fileName, noName, noName, line, kTraceLevel);
         return;
     }
 
@@ -94,7 +96,7 @@ void _Q_Trace(const QString& text, const QString& fileName, unsigned short line)
         else
             marker = QStringLiteral(" [message end (truncated); part: ");
         handler.ProtocolMessage(piece.left(maxMessageLength) + marker + QString::number(k) + ofParts,
-                                fileName, noName, noName, line, 3);
+                                fileName, noName, noName, line, kTraceLevel);
     }
 }
 
@@ -127,7 +129,7 @@ std::wstring KvCutSourcePath(const wchar_t* path)
 BLOCK_TRACE::BLOCK_TRACE(QString name)
 {
     if (ErrorHandler::Instance().GetMessageMask() & ErrorHandler::TraceMask)
-        _Q_Trace(GetIndent() + name + QLatin1String(" {"), s_strQualityFile, 129);
+        _Q_Trace(GetIndent() + name + QLatin1String(" {"), kQualitySource, kBlockEntryLine);
     ++s_nBlockDepth;
 }
 
@@ -135,7 +137,7 @@ BLOCK_TRACE::~BLOCK_TRACE()
 {
     --s_nBlockDepth;
     if (ErrorHandler::Instance().GetMessageMask() & ErrorHandler::TraceMask)
-        _Q_Trace(GetIndent() + QLatin1Char('}'), s_strQualityFile, 136);
+        _Q_Trace(GetIndent() + QLatin1Char('}'), kQualitySource, kBlockExitLine);
 }
 
 QString BLOCK_TRACE::GetIndent()

@@ -2,6 +2,7 @@
 
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/quality.h"
+#include "errorhandling/quality_p.h"
 
 #include <chrono>
 #include <cstdio>
@@ -35,6 +36,9 @@ double performanceFrequency()
     return 1e9;
 #endif
 }
+
+// The line timing traces report since their first version (see kQualitySource).
+constexpr unsigned short kEvaluateTraceLine = 306;
 
 void debuggerOutput(const QString& text)
 {
@@ -74,7 +78,7 @@ void TimedCall::Evaluate(QString name, double thresholdMs) const
     if (elapsed > thresholdMs) {
         const QString text = QString(name + QLatin1String(" %1 ms")).arg(elapsed);
         if (ErrorHandler::Instance().GetMessageMask() & ErrorHandler::TraceMask)
-            _Q_Trace(text, QStringLiteral("errorhandling\\quality"), 306);
+            _Q_Trace(text, kQualitySource, kEvaluateTraceLine);
     }
 }
 

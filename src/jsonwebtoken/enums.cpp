@@ -1,6 +1,6 @@
 #include "jsonwebtoken/enums.h"
 
-#include "basetypes/enumhelpers.h"
+#include "basetypes/enumhelpers_p.h"
 
 namespace jsonWebToken {
 
@@ -19,10 +19,7 @@ QString SignatureAlgorithm::toString(Type value)
     return QString();
 }
 
-SignatureAlgorithm::Type SignatureAlgorithm::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<SignatureAlgorithm>(text, ok);
-}
+KVBASE_ENUM_FROM_STRING(SignatureAlgorithm)
 
 const QVector<SignatureAlgorithm::Type>& SignatureAlgorithm::values()
 {
@@ -50,10 +47,7 @@ QString HeaderParameter::toString(Type value)
     return QString();
 }
 
-HeaderParameter::Type HeaderParameter::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<HeaderParameter>(text, ok);
-}
+KVBASE_ENUM_FROM_STRING(HeaderParameter)
 
 const QVector<HeaderParameter::Type>& HeaderParameter::values()
 {
@@ -83,10 +77,7 @@ QString Claim::toString(Type value)
     return QString();
 }
 
-Claim::Type Claim::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<Claim>(text, ok);
-}
+KVBASE_ENUM_FROM_STRING(Claim)
 
 const QVector<Claim::Type>& Claim::values()
 {
@@ -129,10 +120,7 @@ QString VerificationError::toDisplayString(Type value)
     return toString(value);
 }
 
-VerificationError::Type VerificationError::fromString(const QString& text, bool* ok)
-{
-    return EnumHelpers::fromString<VerificationError>(text, ok);
-}
+KVBASE_ENUM_FROM_STRING(VerificationError)
 
 const QVector<VerificationError::Type>& VerificationError::values()
 {

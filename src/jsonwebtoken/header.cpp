@@ -78,52 +78,32 @@ bool Header::operator!=(const Header& other) const
     return !(*this == other);
 }
 
+using Parameters = Members::Typed<HeaderParameter, HeaderParameterValue>;
+
 template <int N>
 boost::optional<typename HeaderParameterValue<N>::Type> Header::get() const
 {
-    return Members::read<typename HeaderParameterValue<N>::Type>(
-        m_members, HeaderParameter::toString(HeaderParameter::Type(N)));
+    return Parameters::get<N>(m_members);
 }
 
 template <int N>
 Header& Header::with(typename HeaderParameterValue<N>::Type value)
 {
-    m_members.insert(HeaderParameter::toString(HeaderParameter::Type(N)), Members::toStored(value));
+    Parameters::with<N>(m_members, std::move(value));
     return *this;
 }
 
-#define KVBASE_HEADER_PARAMETER(N)                                                                           \
-    template KVBASE_EXPORT boost::optional<HeaderParameterValue<N>::Type> Header::get<N>() const;            \
-    template KVBASE_EXPORT Header& Header::with<N>(HeaderParameterValue<N>::Type);
-
-KVBASE_HEADER_PARAMETER(0)
-KVBASE_HEADER_PARAMETER(1)
-KVBASE_HEADER_PARAMETER(2)
-KVBASE_HEADER_PARAMETER(3)
-KVBASE_HEADER_PARAMETER(4)
-KVBASE_HEADER_PARAMETER(5)
-KVBASE_HEADER_PARAMETER(6)
-#undef KVBASE_HEADER_PARAMETER
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 0)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 1)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 2)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 3)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 4)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 5)
+KVBASE_JWT_TYPED_MEMBER(Header, HeaderParameterValue, 6)
 
 QVariant Header::get(HeaderParameter::Type parameter) const
 {
-    switch (parameter) {
-    case HeaderParameter::Algorithm:
-        return Members::wrap(get<HeaderParameter::Algorithm>());
-    case HeaderParameter::Audience:
-        return Members::wrap(get<HeaderParameter::Audience>());
-    case HeaderParameter::AudienceList:
-        return Members::wrap(get<HeaderParameter::AudienceList>());
-    case HeaderParameter::ContentType:
-        return Members::wrap(get<HeaderParameter::ContentType>());
-    case HeaderParameter::Issuer:
-        return Members::wrap(get<HeaderParameter::Issuer>());
-    case HeaderParameter::Subject:
-        return Members::wrap(get<HeaderParameter::Subject>());
-    case HeaderParameter::TokenType:
-        return Members::wrap(get<HeaderParameter::TokenType>());
-    }
-    return QVariant();
+    return Parameters::get<HeaderParameter::TokenType + 1>(m_members, parameter);
 }
 
 QVariant Header::getParam(const QString& name) const

@@ -1,6 +1,7 @@
 #include "jsonwebtoken/members_p.h"
 
 #include "jsonwebtoken/json_p.h"
+#include "jsonwebtoken/jsonwriter_p.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -107,6 +108,10 @@ QDateTime fromStored<QDateTime>(const QVariant& stored)
 
 QByteArray encode(const Map& members)
 {
+    QByteArray segment;
+    segment.reserve(256);
+    if (Json::appendVariantMap(segment, members))
+        return segment;
     return QJsonDocument(QJsonObject::fromVariantMap(members))
         .toJson(QJsonDocument::Compact)
         .toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
@@ -118,6 +123,10 @@ boost::optional<Map> decode(const QByteArray& segment)
     // are skipped rather than rejected, and the applications exchanging these
     // tokens depend on exactly that reading, so it must not be "fixed".
     const QByteArray json = QByteArray::fromBase64(segment);
+    // Tokens of this library and of most others are in the compact form read
+    // here without a document; anything else is left to Qt.
+    if (auto members = Json::readCanonicalObject(json.constData(), json.size()))
+        return members;
     QJsonParseError error;
     const QJsonDocument document = Json::parse(json, &error);
     if (error.error != QJsonParseError::NoError)

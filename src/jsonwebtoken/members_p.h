@@ -12,6 +12,8 @@
 
 #include <boost/optional.hpp>
 
+#include <utility>
+
 namespace jsonWebToken {
 namespace Members {
 
@@ -51,6 +53,47 @@ QVariant wrap(const boost::optional<T>& value)
 {
     return value ? QVariant::fromValue(*value) : QVariant();
 }
+
+// The typed members of Header (Names = HeaderParameter, Values =
+// HeaderParameterValue) and Payload (Claim, ClaimValue): member N is stored
+// under Names::toString(N) and read and written as Values<N>::Type.
+template <typename Names, template <int> class Values>
+struct Typed
+{
+    template <int N>
+    static boost::optional<typename Values<N>::Type> get(const Map& members)
+    {
+        return read<typename Values<N>::Type>(members, Names::toString(typename Names::Type(N)));
+    }
+
+    template <int N>
+    static void with(Map& members, typename Values<N>::Type value)
+    {
+        members.insert(Names::toString(typename Names::Type(N)), toStored(value));
+    }
+
+    // get<n>() for a run-time n below Count, in a QVariant; invalid when the
+    // member is absent or n is out of range.
+    template <int Count>
+    static QVariant get(const Map& members, int n)
+    {
+        return getAny(members, n, std::make_integer_sequence<int, Count>());
+    }
+
+private:
+    template <int... N>
+    static QVariant getAny(const Map& members, int n, std::integer_sequence<int, N...>)
+    {
+        QVariant result;
+        (void)((n == N && (result = wrap(get<N>(members)), true)) || ...);
+        return result;
+    }
+};
+
+// Exports the typed accessors get<N> and with<N> of Class (Header or Payload).
+#define KVBASE_JWT_TYPED_MEMBER(Class, Values, N)                                                            \
+    template KVBASE_EXPORT boost::optional<Values<N>::Type> Class::get<N>() const;                           \
+    template KVBASE_EXPORT Class& Class::with<N>(Values<N>::Type);
 
 /// Compact JSON with sorted member names, base64url without padding.
 QByteArray encode(const Map& members);

@@ -24,54 +24,33 @@ bool Payload::operator!=(const Payload& other) const
     return !(*this == other);
 }
 
+using Claims = Members::Typed<Claim, ClaimValue>;
+
 template <int N>
 boost::optional<typename ClaimValue<N>::Type> Payload::get() const
 {
-    return Members::read<typename ClaimValue<N>::Type>(m_members, Claim::toString(Claim::Type(N)));
+    return Claims::get<N>(m_members);
 }
 
 template <int N>
 Payload& Payload::with(typename ClaimValue<N>::Type value)
 {
-    m_members.insert(Claim::toString(Claim::Type(N)), Members::toStored(value));
+    Claims::with<N>(m_members, std::move(value));
     return *this;
 }
 
-#define KVBASE_PAYLOAD_CLAIM(N)                                                                              \
-    template KVBASE_EXPORT boost::optional<ClaimValue<N>::Type> Payload::get<N>() const;                     \
-    template KVBASE_EXPORT Payload& Payload::with<N>(ClaimValue<N>::Type);
-
-KVBASE_PAYLOAD_CLAIM(0)
-KVBASE_PAYLOAD_CLAIM(1)
-KVBASE_PAYLOAD_CLAIM(2)
-KVBASE_PAYLOAD_CLAIM(3)
-KVBASE_PAYLOAD_CLAIM(4)
-KVBASE_PAYLOAD_CLAIM(5)
-KVBASE_PAYLOAD_CLAIM(6)
-KVBASE_PAYLOAD_CLAIM(7)
-#undef KVBASE_PAYLOAD_CLAIM
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 0)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 1)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 2)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 3)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 4)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 5)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 6)
+KVBASE_JWT_TYPED_MEMBER(Payload, ClaimValue, 7)
 
 QVariant Payload::get(Claim::Type claim) const
 {
-    switch (claim) {
-    case Claim::Audience:
-        return Members::wrap(get<Claim::Audience>());
-    case Claim::AudienceList:
-        return Members::wrap(get<Claim::AudienceList>());
-    case Claim::ExpirationTime:
-        return Members::wrap(get<Claim::ExpirationTime>());
-    case Claim::IssuedAt:
-        return Members::wrap(get<Claim::IssuedAt>());
-    case Claim::Issuer:
-        return Members::wrap(get<Claim::Issuer>());
-    case Claim::JwtId:
-        return Members::wrap(get<Claim::JwtId>());
-    case Claim::NotBefore:
-        return Members::wrap(get<Claim::NotBefore>());
-    case Claim::Subject:
-        return Members::wrap(get<Claim::Subject>());
-    }
-    return QVariant();
+    return Claims::get<Claim::Subject + 1>(m_members, claim);
 }
 
 QVariant Payload::getClaim(const QString& name) const

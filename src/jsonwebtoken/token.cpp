@@ -1,6 +1,6 @@
 #include "jsonwebtoken/token.h"
 
-#include <QMessageAuthenticationCode>
+#include "jsonwebtoken/crypto_p.h"
 
 #include <exception>
 
@@ -12,21 +12,6 @@ const QByteArray& separator()
 {
     static const QByteArray dot(1, '.');
     return dot;
-}
-
-// Every byte is looked at whatever the first difference, so the time taken
-// tells an attacker nothing about how much of a forged MAC was right. The
-// length is not secret: it follows from the algorithm.
-bool equalInConstantTime(const QByteArray& a, const QByteArray& b)
-{
-    if (a.size() != b.size())
-        return false;
-    const char* pa = a.constData();
-    const char* pb = b.constData();
-    volatile unsigned char difference = 0;
-    for (int i = 0; i < a.size(); ++i)
-        difference |= static_cast<unsigned char>(pa[i] ^ pb[i]);
-    return difference == 0;
 }
 
 } // namespace
@@ -85,35 +70,33 @@ const QByteArray& Token::payloadAsBase64() const
 
 const QByteArray& Token::signatureAsBase64() const
 {
-    if (!m_signatureSegment)
-        m_signatureSegment =
-            m_signature.toBase64(QByteArray::Base64UrlEncoding | QByteArray::OmitTrailingEquals);
+    if (!m_signatureSegment) {
+        QByteArray segment;
+        Crypto::appendBase64Url(segment, m_signature.constData(), m_signature.size());
+        m_signatureSegment = std::move(segment);
+    }
     return *m_signatureSegment;
 }
 
 QByteArray Token::calcSignature(const QByteArray& key, SignatureAlgorithm::Type algorithm) const
 {
-    QCryptographicHash::Algorithm hash;
+    Crypto::Hash hash;
     switch (algorithm) {
     case SignatureAlgorithm::None:
         return QByteArray();
     case SignatureAlgorithm::HS256:
-        hash = QCryptographicHash::Sha256;
+        hash = Crypto::Hash::Sha256;
         break;
     case SignatureAlgorithm::HS384:
-        hash = QCryptographicHash::Sha384;
+        hash = Crypto::Hash::Sha384;
         break;
     case SignatureAlgorithm::HS512:
-        hash = QCryptographicHash::Sha512;
+        hash = Crypto::Hash::Sha512;
         break;
     default:
         throw std::exception();
     }
-    QMessageAuthenticationCode mac(hash, key);
-    mac.addData(headerAsBase64());
-    mac.addData(separator());
-    mac.addData(payloadAsBase64());
-    return mac.result();
+    return Crypto::hmac(hash, key, {headerAsBase64(), separator(), payloadAsBase64()});
 }
 
 Token& Token::signWith(const QByteArray& key, boost::optional<SignatureAlgorithm::Type> algorithm)
@@ -130,7 +113,13 @@ bool Token::verifySignature(const QByteArray& key, SignatureAlgorithm::Type algo
 {
     if (m_header.get<HeaderParameter::Algorithm>().value() != algorithm)
         return false;
-    return equalInConstantTime(calcSignature(key, algorithm), m_signature);
+    const QByteArray mac = calcSignature(key, algorithm);
+    // An empty MAC with an HMAC algorithm means OpenSSL failed, which must not
+    // let an empty signature through.
+    if (mac.isEmpty() && algorithm != SignatureAlgorithm::None)
+        return false;
+    return Crypto::equalInConstantTime(mac.constData(), mac.size(), m_signature.constData(),
+                                       m_signature.size());
 }
 
 VerificationError::Type Token::verify(const QByteArray& key, SignatureAlgorithm::Type algorithm,

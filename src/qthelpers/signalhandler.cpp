@@ -16,150 +16,79 @@ SignalHandler* SignalHandler::connectOrDelete(SignalHandler* handler, const QObj
     return handler;
 }
 
-void SignalHandler::setCallable(const std::function<void()>& callable)
+const char* SignalHandler::slotFor(std::size_t index)
 {
-    m_fnVoid = callable;
+    static const char* const texts[] = {nullptr,
+                                        "1onSignal()",
+                                        "1onSignal(bool)",
+                                        "1onSignal(int)",
+                                        "1onSignal(long)",
+                                        "1onSignal(double)",
+                                        "1onSignal(const QString&)",
+                                        "1onSignal(QAction*)",
+                                        "1onSignal(QObject*)",
+                                        "1onSignal(const QModelIndex&, const QModelIndex&)"};
+    static_assert(sizeof(texts) / sizeof(texts[0]) == std::variant_size<Callable>::value,
+                  "one slot text per alternative of Callable");
+    return texts[index];
 }
 
-void SignalHandler::setCallable(const std::function<void(bool)>& callable)
+// Calls a copy: a callable that deletes its handler (for example by deleting
+// the sender, its parent) must not destroy itself while it runs. A slot of
+// another signature than the stored one does nothing.
+template <typename Signature, typename... Args>
+void SignalHandler::call(const Args&... args) const
 {
-    m_fnBool = callable;
+    const auto* stored = std::get_if<std::function<Signature>>(&m_Callable);
+    if (!stored || !*stored)
+        return;
+    const std::function<Signature> callable = *stored;
+    callable(args...);
 }
 
-void SignalHandler::setCallable(const std::function<void(int)>& callable)
-{
-    m_fnInt = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(long)>& callable)
-{
-    m_fnLong = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(double)>& callable)
-{
-    m_fnDouble = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(const QString&)>& callable)
-{
-    m_fnString = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(QAction*)>& callable)
-{
-    m_fnAction = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(QObject*)>& callable)
-{
-    m_fnObject = callable;
-}
-
-void SignalHandler::setCallable(const std::function<void(const QModelIndex&, const QModelIndex&)>& callable)
-{
-    m_fnIndexPair = callable;
-}
-
-const char* SignalHandler::slotFor(const std::function<void()>&)
-{
-    return "1onSignal()";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(bool)>&)
-{
-    return "1onSignal(bool)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(int)>&)
-{
-    return "1onSignal(int)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(long)>&)
-{
-    return "1onSignal(long)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(double)>&)
-{
-    return "1onSignal(double)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(const QString&)>&)
-{
-    return "1onSignal(const QString&)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(QAction*)>&)
-{
-    return "1onSignal(QAction*)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(QObject*)>&)
-{
-    return "1onSignal(QObject*)";
-}
-
-const char* SignalHandler::slotFor(const std::function<void(const QModelIndex&, const QModelIndex&)>&)
-{
-    return "1onSignal(const QModelIndex&, const QModelIndex&)";
-}
-
-// Each slot calls a copy: a callable that deletes its handler (for example by
-// deleting the sender, its parent) must not destroy itself while it runs.
 void SignalHandler::onSignal()
 {
-    if (const auto callable = m_fnVoid)
-        callable();
+    call<void()>();
 }
 
 void SignalHandler::onSignal(bool value)
 {
-    if (const auto callable = m_fnBool)
-        callable(value);
+    call<void(bool)>(value);
 }
 
 void SignalHandler::onSignal(int value)
 {
-    if (const auto callable = m_fnInt)
-        callable(value);
+    call<void(int)>(value);
 }
 
 void SignalHandler::onSignal(long value)
 {
-    if (const auto callable = m_fnLong)
-        callable(value);
+    call<void(long)>(value);
 }
 
 void SignalHandler::onSignal(double value)
 {
-    if (const auto callable = m_fnDouble)
-        callable(value);
+    call<void(double)>(value);
 }
 
 void SignalHandler::onSignal(const QString& value)
 {
-    if (const auto callable = m_fnString)
-        callable(value);
+    call<void(const QString&)>(value);
 }
 
 void SignalHandler::onSignal(QAction* action)
 {
-    if (const auto callable = m_fnAction)
-        callable(action);
+    call<void(QAction*)>(action);
 }
 
 void SignalHandler::onSignal(QObject* object)
 {
-    if (const auto callable = m_fnObject)
-        callable(object);
+    call<void(QObject*)>(object);
 }
 
 void SignalHandler::onSignal(const QModelIndex& first, const QModelIndex& second)
 {
-    if (const auto callable = m_fnIndexPair)
-        callable(first, second);
+    call<void(const QModelIndex&, const QModelIndex&)>(first, second);
 }
 
 } // namespace QObjectHelpers

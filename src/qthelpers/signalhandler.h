@@ -7,8 +7,10 @@
 #include <QObject>
 #include <QString>
 
+#include <cstddef>
 #include <functional>
 #include <type_traits>
+#include <variant>
 
 // Only pointers pass through; callers that use these overloads have QtWidgets anyway.
 class QAction;
@@ -35,7 +37,7 @@ public:
     {
         static_assert(isSupported<Signature>(), "SignalHandler does not support this signature");
         auto* handler = new SignalHandler(parent);
-        handler->setCallable(callable);
+        handler->m_Callable.template emplace<indexOf<Signature>()>(callable);
         return handler;
     }
 
@@ -52,7 +54,7 @@ public:
             return nullptr;
         // The handler is owned through the parent tree, never written through the sender.
         SignalHandler* handler = createHandler(callable, parent ? parent : const_cast<QObject*>(sender));
-        return connectOrDelete(handler, sender, signal, slotFor(callable), type);
+        return connectOrDelete(handler, sender, signal, slotFor(indexOf<Signature>()), type);
     }
 
 public Q_SLOTS:
@@ -67,50 +69,44 @@ public Q_SLOTS:
     void onSignal(const QModelIndex& first, const QModelIndex& second);
 
 private:
+    // The one store: the callable of the signature the handler was made for,
+    // or nothing. The order of the alternatives is that of slotFor's texts.
+    using Callable = std::variant<std::monostate, std::function<void()>, std::function<void(bool)>,
+                                  std::function<void(int)>, std::function<void(long)>,
+                                  std::function<void(double)>, std::function<void(const QString&)>,
+                                  std::function<void(QAction*)>, std::function<void(QObject*)>,
+                                  std::function<void(const QModelIndex&, const QModelIndex&)>>;
+
+    // The position of std::function<Signature> among the alternatives; the
+    // number of alternatives when it is not one of them.
+    template <typename Signature, std::size_t I = 0>
+    static constexpr std::size_t indexOf()
+    {
+        if constexpr (I == std::variant_size<Callable>::value)
+            return I;
+        else if constexpr (std::is_same<std::variant_alternative_t<I, Callable>,
+                                        std::function<Signature>>::value)
+            return I;
+        else
+            return indexOf<Signature, I + 1>();
+    }
+
     template <typename Signature>
     static constexpr bool isSupported()
     {
-        return std::is_same<Signature, void()>::value || std::is_same<Signature, void(bool)>::value ||
-               std::is_same<Signature, void(int)>::value || std::is_same<Signature, void(long)>::value ||
-               std::is_same<Signature, void(double)>::value ||
-               std::is_same<Signature, void(const QString&)>::value ||
-               std::is_same<Signature, void(QAction*)>::value ||
-               std::is_same<Signature, void(QObject*)>::value ||
-               std::is_same<Signature, void(const QModelIndex&, const QModelIndex&)>::value;
+        return indexOf<Signature>() < std::variant_size<Callable>::value;
     }
 
-    void setCallable(const std::function<void()>& callable);
-    void setCallable(const std::function<void(bool)>& callable);
-    void setCallable(const std::function<void(int)>& callable);
-    void setCallable(const std::function<void(long)>& callable);
-    void setCallable(const std::function<void(double)>& callable);
-    void setCallable(const std::function<void(const QString&)>& callable);
-    void setCallable(const std::function<void(QAction*)>& callable);
-    void setCallable(const std::function<void(QObject*)>& callable);
-    void setCallable(const std::function<void(const QModelIndex&, const QModelIndex&)>& callable);
-
-    static const char* slotFor(const std::function<void()>&);
-    static const char* slotFor(const std::function<void(bool)>&);
-    static const char* slotFor(const std::function<void(int)>&);
-    static const char* slotFor(const std::function<void(long)>&);
-    static const char* slotFor(const std::function<void(double)>&);
-    static const char* slotFor(const std::function<void(const QString&)>&);
-    static const char* slotFor(const std::function<void(QAction*)>&);
-    static const char* slotFor(const std::function<void(QObject*)>&);
-    static const char* slotFor(const std::function<void(const QModelIndex&, const QModelIndex&)>&);
+    // The SLOT() text of the onSignal that calls the alternative at `index`.
+    static const char* slotFor(std::size_t index);
 
     static SignalHandler* connectOrDelete(SignalHandler* handler, const QObject* sender, const char* signal,
                                           const char* slot, Qt::ConnectionType type);
 
-    std::function<void()> m_fnVoid;
-    std::function<void(bool)> m_fnBool;
-    std::function<void(int)> m_fnInt;
-    std::function<void(long)> m_fnLong;
-    std::function<void(double)> m_fnDouble;
-    std::function<void(const QString&)> m_fnString;
-    std::function<void(QAction*)> m_fnAction;
-    std::function<void(QObject*)> m_fnObject;
-    std::function<void(const QModelIndex&, const QModelIndex&)> m_fnIndexPair;
+    template <typename Signature, typename... Args>
+    void call(const Args&... args) const;
+
+    Callable m_Callable;
 };
 
 } // namespace QObjectHelpers

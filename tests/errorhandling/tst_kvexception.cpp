@@ -1,173 +1,142 @@
 #include "errorhandling/errorhandler.h"
 #include "errorhandling/kvexception.h"
-#include "errorhandling/quality.h"
+#include "errorhandling/kvtextfile.h"
+#include "errorhandling/messagelist.h"
 
-#include <QTest>
+#include "kvtest.h"
 
-namespace {
+#include <QTemporaryDir>
 
-struct RecordingDialog : IMessageDialog
-{
-    QStringList posted;
-    int ShowText(const QString&, unsigned char, bool, int, bool, bool) override { return 0; }
-    int ShowException(const KvException&, unsigned char, bool, int, bool, bool) override { return 0; }
-    void ShowMessageList() override {}
-    void PostException(KvException& e, unsigned char level, bool, int n, bool) override
-    {
-        posted << QStringLiteral("%1|%2|%3").arg(e.GetErrorReason()).arg(level).arg(n);
-    }
-    void PostText(const QString&, unsigned char, bool, int, bool) override {}
-};
+using KvTest::field;
 
-QString newestMessage()
-{
-    return ErrorHandler::Instance().GetMessages()->GetList().front()->GetText();
-}
-
-} // namespace
-
+// The records the error handler keeps: exceptions and their texts, the message
+// list, and the text files it writes.
 class TestKvException : public QObject
 {
     Q_OBJECT
 
-private Q_SLOTS:
-    void texts_data();
-    void texts();
-    void narrowConstructorDecodesUtf8AndLatin1();
-    void copiesKeepTheTime();
-    void argumentListExceptionIsInert();
-    void contractChecksReportAndReturn_data();
-    void contractChecksReportAndReturn();
-};
+    QTemporaryDir m_dir;
 
-void TestKvException::texts_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::addColumn<int>("level");
-    QTest::addColumn<QString>("text");
-
-    const QString tail =
-        QStringLiteral("Division by zero in file calc in class Calc in method Run in line 42\n");
-    QTest::newRow("reason only") << 1 << 1 << "Division by zero";
-    QTest::newRow("field list of an error starts with !")
-        << 2 << 1 << "!@Division by zero@calc@42@Calc@Run@10:15:02";
-    QTest::newRow("field list of information starts with @")
-        << 2 << 255 << "@Division by zero@calc@42@Calc@Run@10:15:02";
-    QTest::newRow("level 254 is a warning") << 2 << 254 << "254@Division by zero@calc@42@Calc@Run@10:15:02";
-    QTest::newRow("level 0 is a warning") << 2 << 0 << "0@Division by zero@calc@42@Calc@Run@10:15:02";
-    QTest::newRow("readable error doubles the colon") << 3 << 1 << QString("Error::\t10:15:02:\t" + tail);
-    QTest::newRow("readable information doubles the colon")
-        << 3 << 255 << QString("Info::\t10:15:02:\t" + tail);
-    QTest::newRow("readable warning has one colon")
-        << 3 << 3 << QString("Warning (Level 3):\t10:15:02:\t" + tail);
-    QTest::newRow("format 0 is unknown") << 0 << 1 << "Unknown FormatMode Selected";
-    QTest::newRow("format 4 is unknown") << 4 << 255 << "Unknown FormatMode Selected";
-}
-
-void TestKvException::texts()
-{
-    QFETCH(int, format);
-    QFETCH(int, level);
-    QFETCH(QString, text);
-    KvException e(QStringLiteral("Division by zero"), QStringLiteral("calc"), QStringLiteral("Calc"),
-                  QStringLiteral("Run"), 42, 7);
-    e.SetErrorTime(QTime(10, 15, 2));
-    const auto f = static_cast<KvExceptionTextFormat>(format);
-    QCOMPARE(e.GetExceptionWideText(f, static_cast<unsigned char>(level)), text);
-    QCOMPARE(e.GetExceptionAsciiText(f, static_cast<unsigned char>(level)), text.toStdString());
-
-    KvException defaults;
-    defaults.SetErrorTime(QTime(10, 15, 2));
-    QCOMPARE(
-        defaults.GetExceptionWideText(Readable, 1),
-        QStringLiteral("Error::\t10:15:02:\tNO REASON in file NO FILENAME in class NO CLASSNAME in method "
-                       "NO METHODNAME in line 0\n"));
-}
-
-void TestKvException::narrowConstructorDecodesUtf8AndLatin1()
-{
-    const KvException e(std::string("Gr\xC3\xB6\xC3\x9F"
-                                    "e"),
-                        "caf\xE9", nullptr, "Run", 3, 9);
-    QCOMPARE(e.GetErrorReason(), QString::fromUtf8("Größe"));
-    QCOMPARE(e.GetFileName(), QString::fromUtf8("café"));
-    QVERIFY(e.ClassName().isEmpty());
-    QCOMPARE(e.GetExceptionAsciiText(ReasonOnly, 1), std::string("Gr\xC3\xB6\xC3\x9F"
-                                                                 "e"));
-}
-
-void TestKvException::copiesKeepTheTime()
-{
-    KvException first(QStringLiteral("r"), QStringLiteral("f"), QStringLiteral("c"), QStringLiteral("m"), 1,
-                      2);
-    first.SetErrorTime(QTime(10, 15, 2));
-    KvException copy;
-    copy = first;
-    QVERIFY(copy == first && !(copy != first));
-    QCOMPARE(KvException(first).GetErrorTime(), QTime(10, 15, 2));
-
-    // Equal texts a second apart are different exceptions.
-    copy.SetErrorTime(QTime(10, 15, 3));
-    QVERIFY(copy != first && !(copy == first));
-}
-
-void TestKvException::argumentListExceptionIsInert()
-{
-    KvArgumentListException e(QStringLiteral("reason"), QStringLiteral("file"), QStringLiteral("Class"),
-                              QStringLiteral("method"), 12, {QStringLiteral("a")}, 5,
-                              QStringLiteral("extra"));
-    QCOMPARE(e.GetErrorReason(), QStringLiteral("NO REASON"));
-    QVERIFY(!(e == e) && !(e != e));
-    const KvException& base = e;
-    for (int format = 0; format <= 4; ++format)
-        QVERIFY(base.GetExceptionAsciiText(static_cast<KvExceptionTextFormat>(format), 1).empty());
-
-    KvArgumentListException copy(e);
-    copy.SetErrorReason(QStringLiteral("changed"));
-    copy = e;
-    QCOMPARE(copy.GetErrorReason(), QStringLiteral("changed"));
-}
-
-void TestKvException::contractChecksReportAndReturn_data()
-{
-    QTest::addColumn<int>("check");
-    QTest::addColumn<QString>("prefix");
-    QTest::newRow("require") << 0 << "!@REQUIREMENT FAILED@calc@7@@@";
-    QTest::newRow("ensure") << 1 << "!@ENSURE FAILED@calc@7@@@";
-    QTest::newRow("assert carries the expression") << 2 << "!@ASSERTION FAILED x>0@calc@7@@@";
-    QTest::newRow("macro cuts the source path")
-        << 3 << "!@ASSERTION FAILED x > 0@errorhandling\\tst_kvexception@";
-}
-
-void TestKvException::contractChecksReportAndReturn()
-{
-    QFETCH(int, check);
-    QFETCH(QString, prefix);
-
-    auto dialog = std::make_unique<RecordingDialog>();
-    RecordingDialog* seen = dialog.get();
-    ErrorHandler::SetMessageDlg(std::move(dialog));
-    const int x = 0;
-    switch (check) {
-    case 0:
-        _Q_require(L"calc", 7);
-        break;
-    case 1:
-        _Q_ensure(L"calc", 7);
-        break;
-    case 2:
-        _Q_assert(L"x>0", L"calc", 7);
-        break;
-    default:
-        KV_ASSERT(x > 0);
-        KV_REQUIRE(x == 0); // holds: no report
+    static void add(MessageList& list, const QString& texts)
+    {
+        for (const QChar c : texts)
+            list.AddMessage(std::make_shared<Message>(QString(c), QTime(12, 0), 255));
     }
-    // Recorded at once, in this thread, as an error, and the dialog was asked for.
-    QVERIFY2(newestMessage().startsWith(prefix), qPrintable(newestMessage()));
-    QCOMPARE(seen->posted, QStringList(prefix.section(QLatin1Char('@'), 1, 1) + QLatin1String("|1|-1")));
-    ErrorHandler::SetMessageDlg(nullptr);
-    QCOMPARE(KvCutSourcePath(L"C:\\kv\\basetypes\\band.cpp"), std::wstring(L"basetypes\\band"));
-}
+    static QByteArray bytes(const QString& path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+private Q_SLOTS:
+    void initTestCase() { KvTest::pinLocaleAndZone(); }
+
+    void texts_data() { KvTest::addRows("errorhandling/texts.txt", "exception format level text"); }
+
+    void texts()
+    {
+        KvException e = field("exception") == "default"
+                            ? KvException()
+                            : KvException(std::string("Division by zero"), "calc", "Calc", "Run", 42, 7);
+        e.SetErrorTime(QTime(10, 15, 2));
+        const auto format = static_cast<KvExceptionTextFormat>(field("format").toInt());
+        const auto level = static_cast<unsigned char>(field("level").toInt());
+        QCOMPARE(e.GetExceptionWideText(format, level), field("text"));
+        QCOMPARE(e.GetExceptionAsciiText(format, level), field("text").toStdString());
+    }
+
+    void copiesKeepTheTimeAndNarrowTextsAreUtf8AndLatin1()
+    {
+        const KvException e(std::string(u8"Größe"), "caf\xE9", nullptr, "Run", 3, 9);
+        QCOMPARE(e.GetErrorReason() + '|' + e.GetFileName() + '|' + e.ClassName(),
+                 QString::fromUtf8("Größe|café|"));
+        KvException copy;
+        copy = e;
+        QVERIFY2(copy == e, "a copy differs from its source");
+        copy.SetErrorTime(e.GetErrorTime().addSecs(1));
+        QVERIFY2(copy != e, "exceptions a second apart compare equal");
+    }
+
+    void messageList_data()
+    {
+        KvTest::addRows("errorhandling/messagelists.txt", "maximum added resized addedThen list");
+    }
+
+    void messageList()
+    {
+        MessageList messages(field("maximum").toUInt());
+        add(messages, field("added"));
+        if (!field("resized").isEmpty())
+            messages.SetMaxNumber(field("resized").toUInt());
+        add(messages, field("addedThen"));
+        const MessageList copy(messages); // copies share the messages
+        QString texts;
+        for (const auto& entry : copy.GetList())
+            texts += entry ? entry->GetText() : "-";
+        QCOMPARE(texts, field("list"));
+        QCOMPARE(messages.GetCurrentMessage(), messages.GetList().front());
+    }
+
+    void messagesOrderByTimeOfDayOnly()
+    {
+        const Message a("a", QTime(8, 0), 1);
+        const Message b("b", QTime(8, 0), 1);
+        QVERIFY2(!(a < b) && !(a > b) && a <= b && a >= b, "equal times do not order as equal");
+        QVERIFY2(a != b, "different texts compare equal");
+        QVERIFY2(a < Message("a", QTime(23, 0), 1), "a later time does not order after");
+    }
+
+    void missingFileThrowsAfterATrace()
+    {
+        const QString path = m_dir.filePath("missing.txt");
+        try {
+            KvTextFile file(path, false);
+            QFAIL("a missing file was opened");
+        } catch (const KvException& e) {
+            QCOMPARE(
+                e.GetExceptionWideText(FieldList, 1).section('@', 1, 5),
+                QString("File does not exist - see Details@errorhandling\\kvtextfile@39@KvTextFile@ctor"));
+            QCOMPARE(e.GetErrorId(), 0xFFFFFFFFu);
+        }
+        QTRY_VERIFY(!ErrorHandler::Instance().GetMessages()->GetList().empty());
+        const QString trace = ErrorHandler::Instance().GetMessages()->GetList().front()->GetText();
+        QCOMPARE(trace.section('@', 0, 3), "3@" + path + "@errorhandling\\kvtextfile@37");
+        QVERIFY2(!QFile::exists(path), "a missing file was created");
+        KvTextFile created(path, true);
+        QVERIFY2(QFile::exists(path), "a file that may be missing was not created");
+    }
+
+    // The narrow overload writes the bytes, the wide one an address; the
+    // result is the length + 2, cut to 16 bits.
+    void writtenLines()
+    {
+        const QString path = m_dir.filePath("lines.txt");
+        {
+            KvTextFile file(path, true);
+            QCOMPARE(file.WriteLine(std::string("abc")), static_cast<unsigned short>(5));
+            QCOMPARE(file.AppendLine(std::string(70000, 'x')), static_cast<unsigned short>(70002 - 65536));
+            QCOMPARE(file.WriteLine(QString("hello")), static_cast<unsigned short>(7));
+            file.WriteLine(std::string("d\xE9z"));
+        }
+        const QList<QByteArray> lines = bytes(path).split('\n');
+        QVERIFY2(lines.value(2).startsWith("0x"), lines.value(2).constData());
+        QCOMPARE(lines.value(3), QByteArray("d\xE9z"));
+        KvTextFile file(path, false);
+        QCOMPARE(file.ReadLine(), QString("abc"));
+        for (int i = 0; i < 3; ++i)
+            file.ReadLine();
+        QCOMPARE(file.ReadLine(), QString());
+        QVERIFY(file.atEnd());
+    }
+
+    void logFileOverwritesFromTheStart()
+    {
+        const QString path = m_dir.filePath("Logger.txt");
+        LogFile(path).AddMessage("first long line");
+        QVERIFY(LogFile(path).AddMessage("new"));
+        QCOMPARE(bytes(path), QByteArray("new\nt long line\n"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestKvException)
 #include "tst_kvexception.moc"
