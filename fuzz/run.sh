@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Runs every libFuzzer target of a build for the given number of seconds on
-# its committed corpus and regression inputs (with its dictionary, if any).
+# its committed corpus and regression inputs (with its dictionary and its
+# fuzz/<target>.options, if any).
 # New inputs go to <build>/fuzz-corpus/<target>, findings to
 # <build>/fuzz-artifacts/; any finding fails the run.
 #   fuzz/run.sh <build dir> <seconds per target>
@@ -18,6 +19,8 @@ for fuzzer in "$build_dir"/fuzz/fuzz_*; do
     args=(-max_total_time="$seconds" -timeout=10 -rss_limit_mb=3072 -print_final_stats=1
         -artifact_prefix="$artifacts/$name-")
     [ -f "fuzz/$name.dict" ] && args+=(-dict="fuzz/$name.dict")
+    # Further libFuzzer flags of a target, one a line.
+    [ -f "fuzz/$name.options" ] && mapfile -t -O ${#args[@]} args <"fuzz/$name.options"
     inputs=("$work" "fuzz/corpus/$name")
     [ -d "fuzz/regressions/$name" ] && inputs+=("fuzz/regressions/$name")
     log="$build_dir/fuzz-$name.log"

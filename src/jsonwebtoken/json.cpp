@@ -177,13 +177,31 @@ QJsonDocument parse(const QByteArray& json, QJsonParseError* error)
         return QJsonDocument::fromJson(json, error);
 
     const QByteArray escape = "\\u" + QByteArray::number(mark->unicode(), 16).rightJustified(4, '0');
-    QByteArray renamed = json;
     std::sort(shadowed.begin(), shadowed.end());
-    int serial = int(shadowed.size());
-    // From the back, so earlier positions stay where they are.
-    for (auto it = shadowed.rbegin(); it != shadowed.rend(); ++it)
-        renamed.insert(*it, escape + QByteArray::number(--serial) + ':');
+    QByteArray renamed;
+    renamed.reserve(json.size() + int(shadowed.size()) * (escape.size() + 8));
+    // Where each inserted prefix begins in the renamed text, and its length.
+    std::vector<std::pair<int, int>> inserted;
+    int copied = 0;
+    for (std::size_t serial = 0; serial < shadowed.size(); ++serial) {
+        renamed.append(json.constData() + copied, shadowed[serial] - copied);
+        copied = shadowed[serial];
+        const QByteArray prefix = escape + QByteArray::number(qulonglong(serial)) + ':';
+        inserted.emplace_back(renamed.size(), prefix.size());
+        renamed.append(prefix);
+    }
+    renamed.append(json.constData() + copied, json.size() - copied);
+
     const QJsonDocument document = QJsonDocument::fromJson(renamed, error);
+    if (error && error->error != QJsonParseError::NoError) {
+        // The offset of the error in the text as given.
+        int shift = 0;
+        for (const auto& [begin, length] : inserted) {
+            if (error->offset > begin)
+                shift += qMin(length, error->offset - begin);
+        }
+        error->offset -= shift;
+    }
     if (document.isObject())
         return QJsonDocument(withoutRenamed(document.object(), *mark).toObject());
     if (document.isArray())

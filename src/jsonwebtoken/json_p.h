@@ -10,7 +10,8 @@
 namespace jsonWebToken {
 namespace Json {
 
-/// Exactly what QJsonDocument::fromJson gives, without its leak: Qt 5.15's
+/// Exactly what QJsonDocument::fromJson gives (error offsets included),
+/// without its leak: Qt 5.15's
 /// parser loses every array or object that a later member of the same name
 /// replaces, so {"a":[1],"a":2} from the network would leak memory per token.
 QJsonDocument parse(const QByteArray& json, QJsonParseError* error);
