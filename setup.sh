@@ -6,8 +6,12 @@
 #                       table of medians and ratios and write it into README.md
 #   ./setup.sh package  build the Debian packages of both Qt versions into packages/
 #   ./setup.sh docs     build the API reference into build/docs/html
+#   ./setup.sh asan     build with AddressSanitizer + UBSan (clang) and run every test
+#   ./setup.sh tsan     build with ThreadSanitizer (clang) and run the threaded tests
+#   ./setup.sh fuzz [seconds]   build the libFuzzer targets and run each on its
+#                       corpus for that long (default 60)
 # KVBASE_QT=5 or 6 limits test and package to one Qt version and picks the one
-# for run and bench; KVBASE_BUILD_DIR names the build directory (default
+# for the other modes; KVBASE_BUILD_DIR names the build directory (default
 # "build"; the Qt 6 build goes to "<dir>-qt6").
 set -euo pipefail
 cd "$(dirname "$0")"
@@ -50,8 +54,24 @@ case "$mode" in
         build_base=${KVBASE_BUILD_DIR:-build-package}
         ;;
     docs) packages+=(doxygen) ;;
+    asan)
+        packages+=(clang libclang-rt-14-dev python3-jwt python3-cryptography)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_ADDRESS=ON)
+        build_base=${KVBASE_BUILD_DIR:-build-asan}
+        ;;
+    tsan)
+        packages+=(clang libclang-rt-14-dev)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_THREAD=ON)
+        build_base=${KVBASE_BUILD_DIR:-build-tsan}
+        ;;
+    fuzz)
+        packages+=(clang libclang-rt-14-dev)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_BUILD_FUZZERS=ON -DBUILD_TESTING=OFF
+            -DKVBASE_BUILD_EXAMPLES=OFF -DKVBASE_BUILD_TOOLS=OFF)
+        build_base=${KVBASE_BUILD_DIR:-build-fuzz}
+        ;;
     *)
-        echo "usage: $0 run|test|bench|package|docs" >&2
+        echo "usage: $0 run|test|bench|package|docs|asan|tsan|fuzz" >&2
         exit 2
         ;;
 esac
@@ -133,5 +153,18 @@ case "$mode" in
         configure "${qt_versions[0]}"
         cmake --build "$(build_dir_for "${qt_versions[0]}")" --target docs
         echo "API reference: $(build_dir_for "${qt_versions[0]}")/docs/html/index.html"
+        ;;
+    # The tests carry their sanitizer options (see the root CMakeLists.txt).
+    asan)
+        build "${qt_versions[0]}"
+        ctest --test-dir "$(build_dir_for "${qt_versions[0]}")" --output-on-failure --parallel "$(nproc)" "$@"
+        ;;
+    tsan)
+        build "${qt_versions[0]}"
+        ctest --test-dir "$(build_dir_for "${qt_versions[0]}")" --output-on-failure -L threads "$@"
+        ;;
+    fuzz)
+        build "${qt_versions[0]}"
+        fuzz/run.sh "$(build_dir_for "${qt_versions[0]}")" "${1:-60}"
         ;;
 esac

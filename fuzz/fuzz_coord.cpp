@@ -1,35 +1,44 @@
-// libFuzzer target: any text in every coordinate notation, as a grid
-// reference and as an RT90 text. Nothing may crash or hang, and whatever is
-// read must be a valid position.
-#include "coord/coord.h"
-#include "coord/merccoordtrans.h"
-#include "coord/swedishgrids.h"
-#include "errorhandling/errorhandler.h"
+// libFuzzer target: any text read in every coordinate notation (and in
+// numbers that are no notation), as a raw text (SetText) and as a formatted
+// one (SetString), and written back in that notation; the last position read
+// is written in all of them, and so is the position the first 16 bytes make.
+// Nothing may crash or hang, and whatever is read must be a valid position.
+#include "fuzzsupport.h"
 
-#include <cstdint>
-#include <cstdlib>
+#include "coord/coord.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    ErrorHandler::Instance().SetMessageMask(0);
-    QString text = QString::fromUtf8(reinterpret_cast<const char*>(data), static_cast<int>(size));
-
-    for (int format = cfGeoDecimal; format <= cfQTHMaidenhead; ++format) {
-        const auto f = static_cast<CoordFormat>(format);
-        Coord coord;
-        coord.SetText(text, f);
-        if (!coord.IsValid())
-            std::abort();
-        coord.SetString(text, f);
-        if (!coord.IsValid())
-            std::abort();
-        coord.GetString(f);
+    fuzz::quietErrorHandler();
+    const QString text = fuzz::text(data, size);
+    constexpr int first = cfGeoDecimal - 1;
+    constexpr int last = cfQTHMaidenhead + 1;
+    Coord coord;
+    for (int format = first; format <= last; ++format) {
+        for (const bool formatted : {false, true}) {
+            if (formatted)
+                coord.SetString(text, CoordFormat(format));
+            else
+                coord.SetText(text, CoordFormat(format));
+            FUZZ_CHECK(coord.IsValid());
+            coord.GetText(CoordFormat(format));
+            coord.GetString(CoordFormat(format));
+        }
     }
-
-    const CMercCoordTrans grids;
-    for (int grid : {1, 2, 4, -4})
-        grids.GR2LL(true, text, grid);
-    double lon = 0.0, lat = 0.0;
-    StringToCoord(text, &lon, &lat, TCoordFormatRT90);
+    for (int format = first; format <= last; ++format) {
+        coord.GetText(CoordFormat(format));
+        coord.GetString(CoordFormat(format));
+    }
+    // The first 16 bytes as any position (NaN, infinite, far out of range) written in every notation.
+    if (size >= 2 * sizeof(double)) {
+        double lon = 0.0, lat = 0.0;
+        std::memcpy(&lon, data, sizeof lon);
+        std::memcpy(&lat, data + sizeof lon, sizeof lat);
+        const Coord any(lon, lat);
+        for (int format = first; format <= last; ++format) {
+            any.GetText(CoordFormat(format));
+            any.GetString(CoordFormat(format));
+        }
+    }
     return 0;
 }

@@ -3,13 +3,12 @@
 // parsed token re-serialises to text that parses to the same token (where the
 // segments avoid "-" and "_", which the reader skips by design), and that a
 // token never verifies with a key it was not signed with.
+#include "fuzzsupport.h"
+
 #include "jsonwebtoken/contentserializer.h"
 #include "jsonwebtoken/token.h"
 
 #include <boost/optional/bad_optional_access.hpp>
-
-#include <cstdint>
-#include <cstdlib>
 
 using namespace jsonWebToken;
 
@@ -29,8 +28,9 @@ void readEverything(const Header& header)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
+    fuzz::quietErrorHandler();
     const QByteArray text = QByteArray::fromRawData(reinterpret_cast<const char*>(data), int(size));
 
     if (const auto header = Header::fromValue(text))

@@ -7,8 +7,10 @@
 
 #include <QDomDocument>
 #include <QDomElement>
+#include <QLocale>
 
 #include <cmath>
+#include <cstring>
 
 using namespace ChannelMath;
 
@@ -52,6 +54,27 @@ void appendChild(QDomDocument& doc, QDomElement& parent, const QString& tag, con
 unsigned long readChannel(const QString& text)
 {
     return NumberHelpers::qt5IntegerText(text, 10).toUInt();
+}
+
+bool readsBackAs(const QString& text, double value)
+{
+    const double back = text.toDouble();
+    return std::memcmp(&back, &value, sizeof value) == 0;
+}
+
+// The text older versions wrote ('g' or 'f' with six digits) wherever it reads
+// back to the same double, so unchanged documents stay byte for byte the same;
+// otherwise the shortest text that does. NaN keeps its "nan", whose payload no
+// text can carry.
+QString exactText(double value, char format)
+{
+    const QString usual = QStringLiteral("%1").arg(value, 0, format, -1);
+    if (std::isnan(value) || readsBackAs(usual, value))
+        return usual;
+    // Qt writes a negative zero without its sign.
+    if (value == 0.0)
+        return QStringLiteral("-0");
+    return QString::number(value, format, QLocale::FloatingPointShortest);
 }
 
 } // namespace
@@ -230,11 +253,11 @@ void Band::Save(QDomDocument& doc, QDomElement& element)
         break;
     }
     if (m_eType != ChannelBand) {
-        appendChild(doc, element, kTagOffset, QStringLiteral("%1").arg(m_dOffset, 0, 'g', -1));
+        appendChild(doc, element, kTagOffset, exactText(m_dOffset, 'g'));
         appendChild(doc, element, kTagUseRaster, m_bUseRaster ? QStringLiteral("1") : QStringLiteral("0"));
     } else {
         appendChild(doc, element, kTagStartChannel, QString::number(m_nStartChannel));
         appendChild(doc, element, kTagStopChannel, QString::number(m_nStopChannel));
-        appendChild(doc, element, kTagStartFrequency, QStringLiteral("%1").arg(m_dStartFreq, 0, 'f', -1));
+        appendChild(doc, element, kTagStartFrequency, exactText(m_dStartFreq, 'f'));
     }
 }

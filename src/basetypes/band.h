@@ -106,6 +106,7 @@ public:
     /// \param element the band's element; a null element leaves the band as it is
     void Read(QDomDocument& doc, QDomElement& element);
     /// Appends the band's child elements to `element`; a system band writes only its name.
+    /// Every number reads back to the same double, bit for bit (NaN as some NaN).
     /// \param doc     the document that creates the elements
     /// \param element the band's element, which receives the children
     void Save(QDomDocument& doc, QDomElement& element);

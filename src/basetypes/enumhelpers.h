@@ -107,7 +107,7 @@ struct KVBASE_EXPORT EmptyEnum
 
 public:
     /// No elements.
-    enum Type
+    enum Type : int
     {
     };
     Q_ENUM(Type)

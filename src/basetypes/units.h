@@ -11,6 +11,9 @@
 #include <QObject>
 #include <QString>
 
+// Each Type has int as its underlying type, so any int is a valid value (one
+// outside the list gives an empty text).
+
 /// Frequency units shown beside numbers. A value is the unit's decimal
 /// exponent in hertz (kHz = 3), so 10^value converts to hertz. Values are
 /// ordered from Hz up to THz; successor/predecessor step through them within a
@@ -27,7 +30,7 @@ struct KVBASE_EXPORT FrequencyUnit
 
 public:
     /// The unit as its decimal exponent in hertz.
-    enum Type
+    enum Type : int
     {
         Hz = 0,  ///< hertz
         kHz = 3, ///< kilohertz
@@ -74,7 +77,7 @@ struct KVBASE_EXPORT TimeUnit
 public:
     /// Below one second the decimal exponent in seconds, from one second up
     /// the length in seconds.
-    enum Type
+    enum Type : int
     {
         ns = -9,  ///< nanoseconds
         us = -6,  ///< microseconds

@@ -12,8 +12,8 @@
 /// The text notations of a Coord. Each has a display name, a display mask, a
 /// printf format, a Qt input mask and a validation expression (see Coord).
 /// Values above 7 are not notations: their texts are empty and the mask tables
-/// fall back to cfGeoLong.
-enum CoordFormat
+/// fall back to cfGeoLong (the fixed underlying type makes them valid values).
+enum CoordFormat : int
 {
     cfGeoDecimal = 0,   ///< "E###.###### N##.######", millionths of a degree
     cfGeoLong = 1,      ///< "E###°##'##.## N##°##'##.##", hundredths of a second

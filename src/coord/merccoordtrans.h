@@ -14,7 +14,7 @@
 
 /// Notations of the free conversion functions CoordToString, CoordToRT90String,
 /// CoordToSWEREF99String and StringToCoord. The numbers are stored by applications.
-enum TCoordFormat
+enum TCoordFormat : int
 {
     TCoordFormatMGRS = 1,        ///< "ZZB-CR-EEEEE-NNNNN", WGS-84
     TCoordFormatUTM = 2,         ///< "ZZB EEEEEE NNNNNNN", WGS-84, metres

@@ -5,6 +5,71 @@
 #include "qthelpers/signalhandler.h"
 #include <QCoreApplication>
 #include <QDir>
+#include <QThread>
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+// Reports waiting for the handler's thread. Its own mutex only guards the
+// queue and is never held while waiting for the quality mutex, or the other
+// way round while recording.
+struct ErrorHandler::PendingReports
+{
+    struct Report
+    {
+        QString reason;
+        QString fileName;
+        QString className;
+        QString methodName;
+        std::uint16_t line;
+        std::uint8_t level;
+    };
+
+    // How long another thread waits for the handler's thread to make room
+    // before it takes the handler's thread for one that records nothing.
+    static constexpr std::chrono::milliseconds ownerPatience{50};
+
+    std::mutex mutex;
+    std::condition_variable room;
+    std::deque<Report> queue;
+    // Counts reports taken out of the queue, so waiters see progress.
+    std::uint64_t taken = 0;
+    bool wakeUpPosted = false;
+    // The handler's thread let a full queue wait for ownerPatience; until it
+    // records again, a full queue is emptied by whoever finds it full.
+    bool ownerIdle = false;
+    QCoreApplication* watchedApp = nullptr;
+
+    // Blocks while the queue is full and the handler's thread keeps taking
+    // reports out of it.
+    void waitForRoom()
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        while (static_cast<int>(queue.size()) >= MaxPendingReports && !ownerIdle) {
+            const std::uint64_t seen = taken;
+            if (!room.wait_for(lock, ownerPatience, [&] {
+                    return static_cast<int>(queue.size()) < MaxPendingReports || taken != seen;
+                }))
+                ownerIdle = true;
+        }
+    }
+};
+
+namespace {
+
+// The handler alive, for the flush at the end of an application, which may
+// come after the handler's own end at exit.
+std::atomic<ErrorHandler*> s_pLiveHandler{nullptr};
+
+void flushAtApplicationEnd()
+{
+    if (ErrorHandler* handler = s_pLiveHandler.load())
+        handler->flush();
+}
+
+} // namespace
 
 std::unique_ptr<IMessageDialog> ErrorHandler::s_MessageDlg;
 std::unique_ptr<ILogTracer> ErrorHandler::s_LogTracer;
@@ -38,23 +103,120 @@ IErrorHandler* ErrorHandler::Interface()
 
 ErrorHandler::ErrorHandler()
     : QObject(nullptr), m_pQualityMutex(std::make_unique<QRecursiveMutex>()),
-      m_pMessages(std::make_unique<MessageList>())
+      m_pMessages(std::make_unique<MessageList>()), m_pPending(std::make_unique<PendingReports>())
 {
     qRegisterMetaType<QString>("QString");
     qRegisterMetaType<std::uint16_t>("std::uint16_t");
     qRegisterMetaType<std::uint8_t>("std::uint8_t");
-    connect(this, &ErrorHandler::si_protocolMessage, this, &ErrorHandler::sl_protocolMessage,
-            Qt::QueuedConnection);
     TurnLogFileOn();
+    s_pLiveHandler = this;
 }
 
-ErrorHandler::~ErrorHandler() = default;
+ErrorHandler::~ErrorHandler()
+{
+    s_pLiveHandler = nullptr;
+    flush();
+}
 
 void ErrorHandler::ProtocolMessage(QString reason, QString fileName, QString className, QString methodName,
                                    std::uint16_t line, std::uint8_t level)
 {
-    QualityLock locker(m_pQualityMutex.get());
-    Q_EMIT si_protocolMessage(reason, fileName, className, methodName, line, level);
+    PendingReports& pending = *m_pPending;
+    // Another thread waits for room before it takes the quality mutex, which
+    // the handler's thread needs to make room; a thread that already holds it
+    // must not wait at all.
+    const bool mayWait = QThread::currentThread() != thread() && !QualityLock::heldByThisThread();
+    for (;;) {
+        if (mayWait)
+            pending.waitForRoom();
+        QualityLock locker(m_pQualityMutex.get());
+        std::unique_lock<std::mutex> lock(pending.mutex);
+        if (static_cast<int>(pending.queue.size()) >= MaxPendingReports) {
+            if (mayWait && !pending.ownerIdle)
+                continue; // another report took the room first
+            // No thread can add to the queue while this one holds the quality
+            // mutex, so recording it here keeps the order.
+            lock.unlock();
+            DeliverPending();
+            lock.lock();
+        }
+        pending.queue.push_back({reason, fileName, className, methodName, line, level});
+        const bool wakeUp = !pending.wakeUpPosted;
+        pending.wakeUpPosted = true;
+        lock.unlock();
+        Q_EMIT si_protocolMessage(reason, fileName, className, methodName, line, level);
+        if (wakeUp)
+            PostWakeUp();
+        return;
+    }
+}
+
+void ErrorHandler::PostWakeUp()
+{
+    WatchApplication();
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            {
+                std::lock_guard<std::mutex> lock(m_pPending->mutex);
+                m_pPending->wakeUpPosted = false;
+                m_pPending->ownerIdle = false;
+            }
+            DeliverPending();
+        },
+        Qt::QueuedConnection);
+}
+
+void ErrorHandler::flush()
+{
+    DeliverPending();
+}
+
+void ErrorHandler::DeliverPending()
+{
+    PendingReports& pending = *m_pPending;
+    for (;;) {
+        // Taking a report and recording it is one step under the quality
+        // mutex, so records keep the order of the queue whoever records.
+        QualityLock locker(m_pQualityMutex.get());
+        PendingReports::Report report;
+        {
+            std::lock_guard<std::mutex> lock(pending.mutex);
+            if (pending.queue.empty())
+                return;
+            report = std::move(pending.queue.front());
+            pending.queue.pop_front();
+            ++pending.taken;
+        }
+        pending.room.notify_one();
+        sl_protocolMessage(std::move(report.reason), std::move(report.fileName), std::move(report.className),
+                           std::move(report.methodName), report.line, report.level);
+    }
+}
+
+// Pending reports are recorded when the application is about to leave its
+// event loop and, for programs that never enter one, when it is destroyed.
+void ErrorHandler::WatchApplication()
+{
+    QCoreApplication* app = QCoreApplication::instance();
+    if (!app)
+        return;
+    {
+        std::lock_guard<std::mutex> lock(m_pPending->mutex);
+        if (m_pPending->watchedApp == app)
+            return;
+        m_pPending->watchedApp = app;
+    }
+    connect(app, &QCoreApplication::aboutToQuit, this, &ErrorHandler::flush, Qt::DirectConnection);
+    connect(
+        app, &QObject::destroyed, this,
+        [this] {
+            std::lock_guard<std::mutex> lock(m_pPending->mutex);
+            m_pPending->watchedApp = nullptr;
+        },
+        Qt::DirectConnection);
+    // Post routines run once, from the destructor of the application object.
+    qAddPostRoutine(flushAtApplicationEnd);
 }
 
 void ErrorHandler::sl_protocolMessage(QString reason, QString fileName, QString className, QString methodName,
@@ -106,14 +268,19 @@ void ErrorHandler::Configure()
     }
 }
 
+// The log file, the message list and the dialog are touched under the quality
+// mutex: contract checks and a reporting thread that finds the queue full
+// record in their own threads.
 void ErrorHandler::TurnLogFileOff()
 {
+    QualityLock locker(m_pQualityMutex.get());
     m_bLogFileOn = false;
     m_pLogFile.reset();
 }
 
 void ErrorHandler::TurnLogFileOn()
 {
+    QualityLock locker(m_pQualityMutex.get());
     if (m_bLogFileOn)
         return;
     m_bLogFileOn = true;
@@ -158,6 +325,7 @@ void ErrorHandler::ShowWarningDialog(QString text)
 
 void ErrorHandler::InitGetNextMessage(bool& atEnd, unsigned char level)
 {
+    QualityLock locker(m_pQualityMutex.get());
     m_nReadFilterLevel = level;
     m_bReadPastCursorRange = false;
     m_pMessages->SetCurrentPosition(0);
@@ -174,6 +342,7 @@ void ErrorHandler::InitGetNextMessage(bool& atEnd, unsigned char level)
 
 QString ErrorHandler::GetNextMessage(bool& atEnd)
 {
+    QualityLock locker(m_pQualityMutex.get());
     // At most one pass over the positions the 8-bit cursor can reach.
     for (int step = 0; step < 256 && !m_bReadPastCursorRange; ++step) {
         const unsigned char position = m_pMessages->GetCurrentPosition();
@@ -200,9 +369,9 @@ void ErrorHandler::SetMessageMask(unsigned int mask)
 void ErrorHandler::SetMessageMask(unsigned int bits, bool on)
 {
     if (on)
-        m_nMessageMask |= bits;
+        m_nMessageMask.fetch_or(bits);
     else
-        m_nMessageMask &= ~bits;
+        m_nMessageMask.fetch_and(~bits);
 }
 
 unsigned int ErrorHandler::GetMessageMask() const
@@ -244,12 +413,20 @@ void ErrorHandler::SetLogTracer(std::unique_ptr<ILogTracer> tracer)
 
 void ErrorHandler::SetMessageDlg(std::unique_ptr<IMessageDialog> dialog)
 {
-    s_MessageDlg = std::move(dialog);
+    {
+        QualityLock locker(Instance().GetQualityMutex());
+        s_MessageDlg = std::move(dialog);
+    }
     QCoreApplication* app = QCoreApplication::instance();
     if (s_MessageDlgLifetimeHandler || !app)
         return;
     QObject* watcher = QObjectHelpers::SignalHandler::connectHandler<void()>(
-        app, SIGNAL(aboutToQuit()), [] { s_MessageDlg.reset(); }, nullptr, Qt::AutoConnection);
+        app, SIGNAL(aboutToQuit()),
+        [] {
+            QualityLock locker(Instance().GetQualityMutex());
+            s_MessageDlg.reset();
+        },
+        nullptr, Qt::AutoConnection);
     if (!watcher)
         return;
     // Kept apart from the application object, so it outlives it at exit.

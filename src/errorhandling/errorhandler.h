@@ -14,6 +14,7 @@
 #include <QRecursiveMutex>
 #include <QString>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -193,6 +194,7 @@ public:
 /// The process-wide sink for every reported failure and message.
 ///
 /// Messages (level 1 error, 2..254 warning, 255 information, 3 developer
+<<<<<<< HEAD
 /// trace) may come from any thread; ProtocolMessage queues them to the thread
 /// that first called Instance(), which must run a Qt event loop. There each is
 /// added to the message list (newest first, 100 entries), written to
@@ -211,6 +213,34 @@ public:
 ///     return app.exec();                                       // records the queued message
 /// }
 /// \endcode
+=======
+/// trace) may come from any thread; ProtocolMessage queues them, in the order
+/// they are made, for the thread that first called Instance() (the handler's
+/// thread). There each is added to the message list (newest first, 100
+/// entries), written to "Logger.txt" in the temporary directory unless an
+/// open log tracer takes it, and passed to the log tracer. ProtocolException
+/// records at once in the caller's thread. One recursive mutex, the quality
+/// mutex, serialises all reporting and recording.
+///
+/// Delivery: pending reports are recorded when the handler's thread runs its
+/// event loop, at flush(), when the application is about to quit or its
+/// QCoreApplication is destroyed, and when the handler is destroyed at process
+/// exit, so none is lost. At most MaxPendingReports wait: when the queue is
+/// full, a report made in the handler's thread first records what is pending;
+/// a report from another thread waits until the handler's thread makes room,
+/// unless that thread has recorded nothing for 50 ms (it runs no event loop,
+/// or is blocked) or the reporting thread holds the quality mutex, in which
+/// case the reporting thread records the pending reports itself under the
+/// quality mutex. Memory stays bounded, and no thread waits for a thread that
+/// waits for it.
+///
+/// A program whose handler thread runs no event loop (a batch tool, a
+/// service's start-up, a test) need not do anything for its reports to reach
+/// the list and "Logger.txt" in the end, but must call flush() before it reads
+/// the message list or the log file, or wherever they must be current. Code
+/// that reads the message list while other threads report holds the quality
+/// mutex.
+>>>>>>> robustness
 class KVBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public IErrorHandlerBase
 {
     Q_OBJECT
@@ -218,6 +248,8 @@ class KVBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public 
 public:
     /// Mask bit that switches block traces and timed-call traces on (set by default).
     static constexpr unsigned int TraceMask = 0x20;
+    /// Reports that may wait for the handler's thread (about 150 bytes each).
+    static constexpr int MaxPendingReports = 4096;
 
     /// Blocks recording while it lives. Guards do not nest: the first one to
     /// end unblocks, even while an outer guard still lives. The block is
@@ -244,9 +276,14 @@ public:
 
     ~ErrorHandler() override;
 
+    /// Queues the report (see the class comment); si_protocolMessage is emitted
+    /// with it in the reporting thread.
     void ProtocolMessage(QString reason, QString fileName, QString className, QString methodName,
                          std::uint16_t line, std::uint8_t level) override;
     void ProtocolException(const KvException& e) override;
+    /// Records every pending report now, in the calling thread and in the order
+    /// they were made. Callable from any thread.
+    void flush();
 
     void TurnLogFileOff() override;
     void TurnLogFileOn() override;
@@ -335,22 +372,28 @@ protected:
     void SetbBlockException(bool block) override;
 
 private:
+    struct PendingReports;
+
     ErrorHandler();
     void Log(const KvException& e, unsigned char level);
     void Configure();
+    void DeliverPending();
+    void PostWakeUp();
+    void WatchApplication();
 
-    bool m_bBlockExceptions = false;
+    std::atomic<bool> m_bBlockExceptions{false};
     bool m_bConfigured = false;
     bool m_bLogFileOn = false;
     unsigned char m_nReadFilterLevel = 0;
     // The read cursor is 8-bit; this stops a walk that has passed position 255
     // instead of letting it start over at the newest message forever.
     bool m_bReadPastCursorRange = false;
-    unsigned int m_nMessageMask = TraceMask;
+    std::atomic<unsigned int> m_nMessageMask{TraceMask};
     std::unique_ptr<QRecursiveMutex> m_pQualityMutex;
     std::unique_ptr<LogFile> m_pLogFile;
     std::unique_ptr<MessageList> m_pMessages;
     std::vector<std::function<void()>> m_UncaughtHandlers;
+    std::unique_ptr<PendingReports> m_pPending;
 
     static std::unique_ptr<IMessageDialog> s_MessageDlg;
     static std::unique_ptr<ILogTracer> s_LogTracer;

@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-/// Text layouts of KvException::GetExceptionWideText. Other values render as
-/// "Unknown FormatMode Selected".
-enum KvExceptionTextFormat
+/// Text layouts of KvException::GetExceptionWideText. Other values (valid
+/// ones, by the fixed underlying type) render as "Unknown FormatMode Selected".
+enum KvExceptionTextFormat : int
 {
     ReasonOnly = 1, ///< the reason text alone
     FieldList = 2,  ///< code\@reason\@file\@line\@class\@method\@hh:mm:ss, for machine reading

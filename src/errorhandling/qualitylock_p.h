@@ -27,6 +27,7 @@ public:
         if (!m_pMutex)
             return;
         m_pMutex->lock();
+        ++s_nDepth;
 #ifdef KVBASE_TSAN
         __tsan_acquire(m_pMutex);
 #endif
@@ -38,13 +39,23 @@ public:
 #ifdef KVBASE_TSAN
         __tsan_release(m_pMutex);
 #endif
+        --s_nDepth;
         m_pMutex->unlock();
     }
     QualityLock(const QualityLock&) = delete;
     QualityLock& operator=(const QualityLock&) = delete;
 
+    // Whether this thread holds the mutex through a QualityLock. A thread that
+    // does must never wait for the handler's thread, which needs the mutex to
+    // record. (An application that locks the mutex itself is not counted.)
+    static bool heldByThisThread()
+    {
+        return s_nDepth > 0;
+    }
+
 private:
     QRecursiveMutex* m_pMutex;
+    static inline thread_local int s_nDepth = 0;
 };
 
 #endif

@@ -15,6 +15,9 @@
 /// Payload, the enumeration structs of their vocabulary, and ContentSerializer.
 namespace jsonWebToken {
 
+// Every Type here has int as its underlying type, so any int (such as one read
+// from storage) is a valid value, which toString answers with an empty text.
+
 /// MAC algorithms of a token's "alg" header parameter; only HMAC is supported.
 /// toString gives the registered JSON text, an empty string outside the enum.
 /// fromString takes the first word of a text as a case-insensitive prefix
@@ -25,7 +28,7 @@ struct KVBASE_EXPORT SignatureAlgorithm
     Q_GADGET
 public:
     /// The algorithms.
-    enum Type
+    enum Type : int
     {
         None = 0, ///< no MAC: the signature is empty
         HS256 = 1,
@@ -54,7 +57,7 @@ struct KVBASE_EXPORT HeaderParameter
     Q_GADGET
 public:
     /// The parameters, with their JSON names and value types.
-    enum Type
+    enum Type : int
     {
         Algorithm = 0,    ///< "alg", SignatureAlgorithm::Type
         Audience = 1,     ///< "aud", QString
@@ -84,7 +87,7 @@ struct KVBASE_EXPORT Claim
     Q_GADGET
 public:
     /// The claims, with their JSON names and value types.
-    enum Type
+    enum Type : int
     {
         Audience = 0,       ///< "aud", QString
         AudienceList = 1,   ///< "aud", QStringList
@@ -117,7 +120,7 @@ struct KVBASE_EXPORT VerificationError
     Q_GADGET
 public:
     /// The outcomes.
-    enum Type
+    enum Type : int
     {
         Unknown = 0,
         NoError = 1,

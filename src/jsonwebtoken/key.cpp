@@ -1,5 +1,6 @@
 #include "jsonwebtoken/key.h"
 
+#include "jsonwebtoken/json_p.h"
 #include "jsonwebtoken/jws_p.h"
 
 #include <QJsonArray>
@@ -475,7 +476,7 @@ KeySet::~KeySet() = default;
 std::optional<KeySet> KeySet::fromJwks(const QByteArray& json, QString* error)
 {
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &parseError);
+    const QJsonDocument document = Json::parse(json, &parseError);
     if (parseError.error != QJsonParseError::NoError)
         return failure<KeySet>(
             error,

@@ -1,5 +1,6 @@
 #include "jsonwebtoken/members_p.h"
 
+#include "jsonwebtoken/json_p.h"
 #include "jsonwebtoken/jsonwriter_p.h"
 
 #include <QJsonArray>
@@ -157,7 +158,7 @@ boost::optional<Map> decode(const QByteArray& segment)
     if (auto members = Json::readCanonicalObject(json.constData(), json.size()))
         return members;
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    const QJsonDocument document = Json::parse(json, &error);
     if (error.error != QJsonParseError::NoError)
         return boost::none;
     const QJsonObject object = document.object();

@@ -1,5 +1,6 @@
 #include "jsonwebtoken/verifier.h"
 
+#include "jsonwebtoken/json_p.h"
 #include "jsonwebtoken/jws_p.h"
 
 #include <QJsonArray>
@@ -107,7 +108,7 @@ QString repeatedName(const QByteArray& json)
 bool parseObject(const QByteArray& json, const char* part, QJsonObject* out, Result& result)
 {
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    const QJsonDocument document = Json::parse(json, &error);
     const QLatin1String what(part);
     if (error.error != QJsonParseError::NoError) {
         fail(result, VerificationError::Unknown,

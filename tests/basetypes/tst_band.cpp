@@ -4,6 +4,11 @@
 #include "kvtest.h"
 
 #include <QDomDocument>
+#include <QRandomGenerator>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
 
 using KvTest::field;
 
@@ -224,10 +229,10 @@ private Q_SLOTS:
                  QString("<Band><Name>Private 1800</Name><Channelspacing>200000</Channelspacing>"
                          "<Type>GSM</Type><StartChannel>512</StartChannel><StopChannel>885</StopChannel>"
                          "<StartFrequency>1710200000.000000</StartFrequency></Band>"));
-        // 20 significant digits for the spacing.
-        Band plain(QString("Air"), 25000.0 / 3, -2500.25, false);
+        // 20 significant digits for the spacing; the offset as short as reads back exactly.
+        Band plain(QString("Air"), 25000.0 / 3, 12345678.9, false);
         QCOMPARE(saved(plain), QString("<Band><Name>Air</Name><Channelspacing>8333.3333333333339397"
-                                       "</Channelspacing><Type>Simple</Type><Offset>-2500.25</Offset>"
+                                       "</Channelspacing><Type>Simple</Type><Offset>12345678.9</Offset>"
                                        "<UseRaster>0</UseRaster></Band>"));
         // A type no constructor makes (read from a future version, say) writes an empty Type.
         struct OddBand : Band
@@ -243,6 +248,45 @@ private Q_SLOTS:
             readInto(copy, xml.mid(6, xml.size() - 13));
             QCOMPARE(saved(copy), xml);
             QCOMPARE(copy.GetChannelCalculationFactor(), original.GetStartChannel());
+        }
+    }
+
+    // Offsets and start frequencies of every magnitude survive Save and Read bit for bit.
+    void savedNumbersReadBackExactly_data()
+    {
+        QTest::addColumn<bool>("channelBand");
+        QTest::newRow("offset of a plain band") << false;
+        QTest::newRow("start frequency of a channel band") << true;
+    }
+
+    void savedNumbersReadBackExactly()
+    {
+        QFETCH(bool, channelBand);
+        QRandomGenerator random(0x4b76);
+        QVector<double> values = {-0.0,
+                                  qInf(),
+                                  -qInf(),
+                                  std::numeric_limits<double>::denorm_min(),
+                                  std::numeric_limits<double>::max(),
+                                  12345678.9,
+                                  890200000.0000001};
+        for (int i = 0; i < 20000; ++i) {
+            // Half any bit pattern, half frequencies with fractions of a hertz.
+            const quint64 bits = random.generate64();
+            double value = 0.0;
+            std::memcpy(&value, &bits, sizeof value);
+            if (!std::isnan(value))
+                values << value;
+            values << random.bounded(6e9);
+        }
+        for (const double value : qAsConst(values)) {
+            Band band = channelBand ? Band(QString("b"), 200000.0, value, 1, 2, 1, false)
+                                    : Band(QString("b"), 25000.0, value, true);
+            const QString xml = saved(band);
+            Band copy;
+            readInto(copy, xml.mid(6, xml.size() - 13));
+            const double back = channelBand ? copy.GetStartFreq() : copy.GetOffset();
+            QVERIFY2(std::memcmp(&back, &value, sizeof value) == 0, qPrintable(xml));
         }
     }
 

@@ -3,12 +3,16 @@
 #include "errorhandling/timedcall.h"
 
 #include "kvtest.h"
+#include "ordertracer.h"
 
 #include <QDir>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
+
+#include <thread>
 
 using KvTest::field;
 
@@ -178,6 +182,87 @@ private Q_SLOTS:
                               "post exception boom 1 5", "post posted 1"}));
         ErrorHandler::SetMessageDlg(nullptr);
         QCOMPARE(handler().ShowErrorDialog(e, true, 5, false, true), -2);
+    }
+
+    // The handler's thread runs no event loop here: reports wait in a bounded
+    // queue, which the thread empties itself when it is full.
+    void millionReportsWithoutALoopStayBounded()
+    {
+        auto owned = std::make_unique<OrderTracer>(true);
+        OrderTracer* tracer = owned.get();
+        ErrorHandler::SetLogTracer(std::move(owned));
+        handler().GetMessages()->SetMaxNumber(100);
+        handler().flush();
+        const qint64 before = memoryKb("VmRSS:");
+        constexpr int reports = 1000000;
+        for (int i = 0; i < reports; ++i)
+            handler().ProtocolMessage(QString("million:%1").arg(i), QString(), QString(), QString(), 1, 255);
+        const qint64 growth = memoryKb("VmHWM:") - before;
+        qInfo("%d reports without a loop: peak resident growth %lld kB", reports, growth);
+        QVERIFY2(tracer->next.value("million") > reports - ErrorHandler::MaxPendingReports,
+                 "a full queue is recorded");
+        handler().flush();
+        QCOMPARE(tracer->firstFault, QString());
+        QCOMPARE(tracer->next.value("million"), reports);
+        QCOMPARE(handler().GetMessages()->GetList().front()->GetText().section('@', 1, 1),
+                 QString("million:999999"));
+        QVERIFY2(!kMeasuresMemory || growth < 8 * 1024,
+                 qPrintable(QString("peak grew by %1 kB").arg(growth)));
+        ErrorHandler::SetLogTracer(nullptr);
+    }
+
+    // While the handler's thread waits for them, reporting threads must neither
+    // wait for it forever nor lose a report.
+    void reportingThreadsDoNotWaitForABusyHandlerThread()
+    {
+        auto owned = std::make_unique<OrderTracer>(true);
+        OrderTracer* tracer = owned.get();
+        ErrorHandler::SetLogTracer(std::move(owned));
+        handler().GetMessages()->SetMaxNumber(100);
+        constexpr int perThread = 3 * ErrorHandler::MaxPendingReports;
+        std::vector<std::thread> workers;
+        for (int t = 0; t < 2; ++t) {
+            workers.emplace_back([t] {
+                for (int i = 0; i < perThread; ++i)
+                    protocol(QString("busy%1:%2").arg(t).arg(i), 2);
+            });
+        }
+        for (auto& worker : workers)
+            worker.join();
+        handler().flush();
+        QCOMPARE(tracer->firstFault, QString());
+        QCOMPARE(tracer->count, 2 * perThread);
+        ErrorHandler::SetLogTracer(nullptr);
+    }
+
+    void reportJustBeforeExitReachesTheLogFile_data()
+    {
+        QTest::addColumn<QString>("way");
+        QTest::newRow("without an application object") << "no-application";
+        QTest::newRow("from an application that never runs its loop") << "application";
+        QTest::newRow("just before the loop quits") << "quit";
+        QTest::newRow("from a worker thread") << "worker";
+        QTest::newRow("followed by std::exit") << "exit";
+    }
+
+    // A helper program reports and ends at once, in each of these ways.
+    void reportJustBeforeExitReachesTheLogFile()
+    {
+        QFETCH(QString, way);
+        QTemporaryDir dir;
+        QVERIFY(dir.isValid());
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("TMPDIR", dir.path());
+        QProcess helper;
+        helper.setProcessEnvironment(environment);
+        const QString text = "last words, " + way;
+        helper.start(KVBASE_REPORT_HELPER, {way, text});
+        QVERIFY(helper.waitForFinished(120000));
+        QCOMPARE(helper.exitCode(), 0);
+        QFile log(dir.filePath("Logger.txt"));
+        QVERIFY(log.open(QIODevice::ReadOnly));
+        const QByteArray written = log.readAll();
+        QVERIFY2(written.contains(text.toUtf8() + " in file exit in class Helper"), written.constData());
     }
 
     void dialogIsDroppedWhenTheApplicationQuits()
