@@ -104,7 +104,7 @@ public:
     /// Records a message: queued to the handler's thread, which adds it to the
     /// message list, to "Logger.txt" (unless an open log tracer takes it) and
     /// to the log tracer, as a KvException with error id 0xFFFFFFFF.
-    /// Any thread may call it; the handler's thread must run an event loop.
+    /// Any thread may call it; see ErrorHandler for when the report is recorded.
     /// \param reason     what happened
     /// \param fileName   cut source path, such as "coord\\maskconv"
     /// \param className  reporting class, may be empty
@@ -194,26 +194,6 @@ public:
 /// The process-wide sink for every reported failure and message.
 ///
 /// Messages (level 1 error, 2..254 warning, 255 information, 3 developer
-<<<<<<< HEAD
-/// trace) may come from any thread; ProtocolMessage queues them to the thread
-/// that first called Instance(), which must run a Qt event loop. There each is
-/// added to the message list (newest first, 100 entries), written to
-/// "Logger.txt" in the temporary directory unless an open log tracer takes
-/// it, and passed to the log tracer. ProtocolException records at once in the
-/// caller's thread. One recursive mutex serialises all reporting.
-///
-/// \code
-/// int main(int argc, char** argv)
-/// {
-///     QApplication app(argc, argv);
-///     ErrorHandler& handler = ErrorHandler::Instance();       // lives in the GUI thread
-///     ErrorHandler::SetMessageDlg(std::make_unique<MyMessageBox>());
-///     handler.ProtocolMessage(QStringLiteral("tuner lost"), QStringLiteral("radio\\tuner"),
-///                             QStringLiteral("Tuner"), QStringLiteral("poll"), 120, 2);
-///     return app.exec();                                       // records the queued message
-/// }
-/// \endcode
-=======
 /// trace) may come from any thread; ProtocolMessage queues them, in the order
 /// they are made, for the thread that first called Instance() (the handler's
 /// thread). There each is added to the message list (newest first, 100
@@ -240,7 +220,18 @@ public:
 /// the message list or the log file, or wherever they must be current. Code
 /// that reads the message list while other threads report holds the quality
 /// mutex.
->>>>>>> robustness
+///
+/// \code
+/// int main(int argc, char** argv)
+/// {
+///     QApplication app(argc, argv);
+///     ErrorHandler& handler = ErrorHandler::Instance();       // lives in the GUI thread
+///     ErrorHandler::SetMessageDlg(std::make_unique<MyMessageBox>());
+///     handler.ProtocolMessage(QStringLiteral("tuner lost"), QStringLiteral("radio\\tuner"),
+///                             QStringLiteral("Tuner"), QStringLiteral("poll"), 120, 2);
+///     return app.exec();                                       // records the queued message
+/// }
+/// \endcode
 class KVBASE_EXPORT ErrorHandler : public QObject, public IErrorHandler, public IErrorHandlerBase
 {
     Q_OBJECT
@@ -278,6 +269,12 @@ public:
 
     /// Queues the report (see the class comment); si_protocolMessage is emitted
     /// with it in the reporting thread.
+    /// \param reason     what happened
+    /// \param fileName   cut source path, such as "coord\\maskconv"
+    /// \param className  reporting class, may be empty
+    /// \param methodName reporting method, may be empty
+    /// \param line       source line, 0..65535
+    /// \param level      1 error, 2..254 warning, 255 information; 3 for developer traces
     void ProtocolMessage(QString reason, QString fileName, QString className, QString methodName,
                          std::uint16_t line, std::uint8_t level) override;
     void ProtocolException(const KvException& e) override;
