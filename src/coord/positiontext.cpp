@@ -222,7 +222,9 @@ QString formatSwedish(double lat, double lon, bool rt90, int precision, QString*
     }
     const std::optional<Geodesy::GridPoint> grid =
         Geodesy::tmForward(rt90 ? rt90Grid() : swerefGrid(), {lat, lon});
-    if (!grid) {
+    // Far west of the central meridian (at about 3 degrees east for SWEREF 99 TM
+    // in the south) the easting turns negative, which these texts cannot carry.
+    if (!grid || grid->easting < 0.0) {
         fail(error, QStringLiteral("%1 has no grid values here").arg(QLatin1String(gridName)));
         return QString();
     }

@@ -172,8 +172,8 @@ KVBASE_EXPORT std::optional<Position> parse(const QString& text, Notation notati
 /// @return the text, or an empty text when the position cannot be written in the
 ///         notation: non-finite or out-of-range degrees, a precision outside the
 ///         notation's range, a position outside the grid's area (RT90 and SWEREF 99 TM:
-///         50 to 75 degrees north, 0 to 35 degrees east; British and Irish grids: their
-///         lettered 100 km squares)
+///         50 to 75 degrees north, 0 to 35 degrees east, where the easting is not
+///         negative; British and Irish grids: their lettered 100 km squares)
 ///
 /// Thread-safe. Example:
 /// @code

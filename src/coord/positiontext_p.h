@@ -18,6 +18,9 @@ constexpr int kNotationCount = 9;
 // neighbours, generously; far beyond, the grid values stop meaning anything to anyone.
 constexpr double kSwedishMinLat = 50.0, kSwedishMaxLat = 75.0;
 constexpr double kSwedishMinLon = 0.0, kSwedishMaxLon = 35.0;
+// Reading allows this much (degrees, some metres) beyond the area: a text written at
+// its edge, with grid values rounded to the metre, may read back just outside it.
+constexpr double kSwedishReadMargin = 1e-4;
 
 /// UTM or UPS of a valid WGS-84 position with the standard zone and band: zone 1 to 60
 /// and band C to X, or zone 0 and the polar area A, B, Y or Z.

@@ -775,7 +775,9 @@ Outcome parseSwedish(const QString& text, const Tokens& tokens, bool rt90, bool 
     const std::optional<Geodesy::GeoPoint> p =
         Geodesy::tmInverse(rt90 ? rt90Grid() : swerefGrid(), {y->value, x->value});
     const double lat = p ? p->lat : 0.0, lon = p ? p->lon : 0.0;
-    if (!p || lat < kSwedishMinLat || lat > kSwedishMaxLat || lon < kSwedishMinLon || lon > kSwedishMaxLon)
+    const double m = kSwedishReadMargin;
+    if (!p || lat < kSwedishMinLat - m || lat > kSwedishMaxLat + m || lon < kSwedishMinLon - m ||
+        lon > kSwedishMaxLon + m)
         return failure(gridName + QStringLiteral(": %1 %2 lies outside the area read (50 to 75 degrees "
                                                  "north, 0 to 35 degrees east)")
                                       .arg(wordText(text, *x), wordText(text, *y)),

@@ -13,7 +13,7 @@ namespace {
 
 // The source and lines a missing file is reported with since the first
 // version; log filters match them, so they do not follow this file's layout.
-constexpr QLatin1String kTextFileSource("errorhandling\\kvtextfile");
+constexpr QLatin1String kTextFileSource("errorhandling\\kvtextfile", 24); // with its length, for clang
 constexpr unsigned short kMissingFileTraceLine = 37;
 constexpr unsigned int kMissingFileLine = 39;
 

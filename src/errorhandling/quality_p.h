@@ -18,6 +18,7 @@ constexpr std::uint8_t kTraceLevel = 3;
 
 // The source the block and timing traces name. Traces carry frozen file and
 // line pairs that log filters match, not the place of the code that sends them.
-constexpr QLatin1String kQualitySource("errorhandling\\quality");
+// (With its length: clang cannot evaluate strlen at compile time.)
+constexpr QLatin1String kQualitySource("errorhandling\\quality", 21);
 
 #endif

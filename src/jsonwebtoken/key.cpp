@@ -16,6 +16,7 @@
 #include <openssl/pem.h>
 
 #include <cstring>
+#include <vector>
 
 namespace jsonWebToken {
 
@@ -44,7 +45,34 @@ QString quoted(const char* name)
 }
 
 // Sets the type from what OpenSSL read; empty when the key is one we use.
-QString classify(EVP_PKEY* pkey, KeyData* data)
+// Whether a private key verifies its own signature. The readers accept parts
+// that do not belong together (a changed modulus in a PEM block, another key's
+// "d" in an RSA JWK), and such a key would sign what nobody can verify.
+bool signsVerifiably(EVP_PKEY* pkey, KeyType type)
+{
+    static const unsigned char message[] = "KvBase checks a private key";
+    // EdDSA signs the message itself, the others a SHA-256 digest.
+    const char* digest = type == KeyType::Ed25519 || type == KeyType::Ed448 ? nullptr : "SHA256";
+    std::vector<unsigned char> signature;
+    size_t length = 0;
+    EVP_MD_CTX* context = EVP_MD_CTX_new();
+    bool ok = context &&
+              EVP_DigestSignInit_ex(context, nullptr, digest, nullptr, nullptr, pkey, nullptr) == 1 &&
+              EVP_DigestSign(context, nullptr, &length, message, sizeof message) == 1;
+    if (ok) {
+        signature.resize(length);
+        ok = EVP_DigestSign(context, signature.data(), &length, message, sizeof message) == 1;
+    }
+    EVP_MD_CTX_free(context);
+    context = ok ? EVP_MD_CTX_new() : nullptr;
+    ok = context && EVP_DigestVerifyInit_ex(context, nullptr, digest, nullptr, nullptr, pkey, nullptr) == 1 &&
+         EVP_DigestVerify(context, signature.data(), length, message, sizeof message) == 1;
+    EVP_MD_CTX_free(context);
+    Crypto::clearErrors();
+    return ok;
+}
+
+QString classifyType(EVP_PKEY* pkey, KeyData* data)
 {
     if (EVP_PKEY_is_a(pkey, "RSA")) {
         data->type = KeyType::Rsa;
@@ -83,6 +111,14 @@ QString classify(EVP_PKEY* pkey, KeyData* data)
     const char* type = EVP_PKEY_get0_type_name(pkey);
     return QStringLiteral("%1 keys have no JWS algorithm")
         .arg(type ? QString::fromLatin1(type) : QStringLiteral("such"));
+}
+
+QString classify(EVP_PKEY* pkey, KeyData* data)
+{
+    QString why = classifyType(pkey, data);
+    if (why.isEmpty() && data->isPrivate && !signsVerifiably(pkey, data->type))
+        why = QStringLiteral("the parts of the private key do not belong together");
+    return why;
 }
 
 int refusePassphrase(char*, int, int, void*)
