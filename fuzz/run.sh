@@ -4,15 +4,18 @@
 # fuzz/<target>.options, if any).
 # New inputs go to <build>/fuzz-corpus/<target>, findings to
 # <build>/fuzz-artifacts/; any finding fails the run.
-#   fuzz/run.sh <build dir> <seconds per target>
+#   fuzz/run.sh <build dir> <seconds per target> [target...]
 set -uo pipefail
 cd "$(dirname "$0")/.."
 build_dir=$1
 seconds=$2
+shift 2
+only=" $* "
 failed=()
 for fuzzer in "$build_dir"/fuzz/fuzz_*; do
     [ -f "$fuzzer" ] && [ -x "$fuzzer" ] || continue
     name=${fuzzer##*/fuzz_}
+    [ $# -eq 0 ] || [[ "$only" == *" $name "* ]] || continue
     work="$build_dir/fuzz-corpus/$name"
     artifacts="$build_dir/fuzz-artifacts"
     mkdir -p "$work" "$artifacts"

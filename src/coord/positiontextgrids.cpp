@@ -74,7 +74,13 @@ UtmPoint utmFromGeographic(double lat, double lon)
     }
     // 180 degrees east is 180 west, as GeoConvert counts it: zone 1.
     const int zone = *utmZone(lat, lon == 180.0 ? -180.0 : lon);
-    return {zone, *bandLetter(lat), utmInZone(zone, lat >= 0.0, lat, lon)};
+    const char band = *bandLetter(lat);
+    // The band formula rounds a latitude a hair below the equator up into band N; such
+    // a position is written as on the equator, in its band's hemisphere, so that the
+    // text reads back.
+    if (lat < 0.0 && band >= 'N')
+        lat = 0.0;
+    return {zone, band, utmInZone(zone, lat >= 0.0, lat, lon)};
 }
 
 GridPoint utmInZone(int zone, bool north, double lat, double lon)

@@ -815,11 +815,16 @@ public:
     {
         for (int k = 0; k < tokens.n; ++k) {
             const Token& t = tokens.t[k];
+            // Long letter groups (only a named notation lets them in) can fill the atoms.
+            if (m_n + (t.kind == Kind::Word ? t.len : 1) > kMaxAtoms) {
+                m_overflowPos = t.pos;
+                return;
+            }
             if (t.kind != Kind::Word) {
                 m_atoms[m_n++] = Atom{t.kind, t.gap, t.symbol, t.pos, &t};
                 continue;
             }
-            for (int i = 0; i < t.len && m_n < kMaxAtoms; ++i)
+            for (int i = 0; i < t.len; ++i)
                 m_atoms[m_n++] =
                     Atom{Kind::Word, i == 0 && t.gap, upper(text[t.pos + i]), t.pos + i, nullptr};
         }
@@ -846,6 +851,8 @@ public:
 
     Outcome read()
     {
+        if (m_overflowPos >= 0)
+            return failure(QStringLiteral("too many parts"), m_overflowPos);
         GeoValue v[2];
         int k = 0;
         for (int i = 0; i < 2; ++i) {
@@ -1002,6 +1009,7 @@ private:
     const QString& m_text;
     Atom m_atoms[kMaxAtoms];
     int m_n = 0;
+    int m_overflowPos = -1;
     Outcome m_failure;
 };
 

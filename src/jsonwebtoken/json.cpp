@@ -15,11 +15,15 @@ namespace Json {
 
 namespace {
 
-// The parser keeps the last of several members of one name. The earlier ones
-// that hold an array or object are renamed before parsing, to names that begin with a character the text
-// cannot produce, and dropped after it: the parser then sees no duplicates,
-// the renamed keys are still valid strings (so the text is exactly as valid
-// as before), and the result is what the parser would have given.
+// Of several members of one name the parser keeps one (usually, but not
+// always, the last: which one follows from how it sorts the names) and loses
+// the arrays and objects of the others. Where that can happen, the survivor
+// of each name is found first by parsing the object's names alone, with
+// numbers as values; the others are then renamed, to names that begin with a
+// character the text cannot produce, and dropped after parsing. The parser
+// sees no repeated names, the renamed keys are still valid strings (so the
+// text is exactly as valid as before), and the result is what it would have
+// given.
 
 // Past the closing quote of the string that opens at `begin`; -1 if it does not end.
 int stringEnd(const QByteArray& json, int begin)
@@ -64,56 +68,94 @@ bool holdsContainer(const QByteArray& json, int keyEnd)
     return i < json.size() && (json.at(i) == '[' || json.at(i) == '{');
 }
 
-// Positions just inside the opening quote of every key whose array or object
-// a later key of the same object replaces (replaced numbers, strings and the
-// like cost nothing). Text that is no JSON gives positions that do not
+struct Member
+{
+    int keyBegin; // the opening quote
+    int keyEnd;   // past the closing quote
+    std::optional<QString> key;
+};
+
+struct Container
+{
+    explicit Container(bool isObject) : object(isObject), expectKey(isObject) {}
+
+    bool object;
+    bool expectKey;
+    std::vector<Member> members;
+    QHash<QString, int> count;
+    // A name that occurs more than once with an array or object as one of its values.
+    bool losesContainer = false;
+    QHash<QString, bool> hasContainer;
+};
+
+// The members of `object` that the parser drops: for each repeated name all
+// but the one that it keeps, as found by parsing the names alone.
+void droppedMembers(const QByteArray& json, const Container& object, std::vector<int>& dropped)
+{
+    QByteArray names = "{";
+    for (std::size_t i = 0; i < object.members.size(); ++i) {
+        const Member& m = object.members[i];
+        if (i > 0)
+            names += ',';
+        names += json.mid(m.keyBegin, m.keyEnd - m.keyBegin) + ':' + QByteArray::number(qulonglong(i));
+    }
+    names += '}';
+    QJsonParseError error;
+    const QJsonObject kept = QJsonDocument::fromJson(names, &error).object();
+    if (error.error != QJsonParseError::NoError)
+        return; // a name the parser refuses: it refuses the whole text anyway
+    for (std::size_t i = 0; i < object.members.size(); ++i) {
+        const Member& m = object.members[i];
+        if (m.key && object.count.value(*m.key) > 1 && kept.value(*m.key).toInt(-1) != int(i))
+            dropped.push_back(m.keyBegin + 1);
+    }
+}
+
+// Positions just inside the opening quote of every key whose member the parser
+// would drop, in objects where that would lose an array or object; none where
+// nothing would be lost. Text that is no JSON gives positions that do not
 // matter, because the parser refuses it whatever its keys are.
 std::vector<int> shadowedKeys(const QByteArray& json)
 {
-    struct Container
-    {
-        bool object;
-        bool expectKey;
-        // Keys of the members seen so far whose value is an array or object.
-        QHash<QString, int> containerKeys;
-    };
     std::vector<Container> open;
-    std::vector<int> shadowed;
+    std::vector<int> dropped;
+    const auto close = [&] {
+        if (open.back().object && open.back().losesContainer)
+            droppedMembers(json, open.back(), dropped);
+        open.pop_back();
+    };
     for (int i = 0; i < json.size(); ++i) {
         switch (json.at(i)) {
         case '"': {
             const int end = stringEnd(json, i);
             if (end < 0)
-                return shadowed;
+                return dropped;
             if (!open.empty() && open.back().object && open.back().expectKey) {
                 Container& object = open.back();
                 object.expectKey = false;
-                const bool container = holdsContainer(json, end);
-                if (container || !object.containerKeys.isEmpty()) {
-                    if (const auto key = decodedKey(json.mid(i, end - i))) {
-                        const auto earlier = object.containerKeys.find(*key);
-                        if (earlier != object.containerKeys.end()) {
-                            shadowed.push_back(*earlier + 1);
-                            object.containerKeys.erase(earlier);
-                        }
-                        if (container)
-                            object.containerKeys.insert(*key, i);
-                    }
+                Member member{i, end, decodedKey(json.mid(i, end - i))};
+                if (member.key) {
+                    const bool container = holdsContainer(json, end);
+                    const int seen = object.count[*member.key]++;
+                    bool& withContainer = object.hasContainer[*member.key];
+                    withContainer = withContainer || container;
+                    object.losesContainer = object.losesContainer || (seen > 0 && withContainer);
                 }
+                object.members.push_back(std::move(member));
             }
             i = end - 1;
             break;
         }
         case '{':
-            open.push_back({true, true, {}});
+            open.emplace_back(true);
             break;
         case '[':
-            open.push_back({false, false, {}});
+            open.emplace_back(false);
             break;
         case '}':
         case ']':
             if (!open.empty())
-                open.pop_back();
+                close();
             break;
         case ',':
             if (!open.empty() && open.back().object)
@@ -123,7 +165,7 @@ std::vector<int> shadowedKeys(const QByteArray& json)
             break;
         }
     }
-    return shadowed;
+    return dropped;
 }
 
 // A character no key of the text can contain, written as the escape that

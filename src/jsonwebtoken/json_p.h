@@ -11,9 +11,9 @@ namespace jsonWebToken {
 namespace Json {
 
 /// Exactly what QJsonDocument::fromJson gives (error offsets included),
-/// without its leak: Qt 5.15's
-/// parser loses every array or object that a later member of the same name
-/// replaces, so {"a":[1],"a":2} from the network would leak memory per token.
+/// without its leak: of several members of one name Qt 5.15's parser keeps
+/// one and loses the arrays and objects of the others, so {"a":[1],"a":2}
+/// from the network would leak memory per token.
 QJsonDocument parse(const QByteArray& json, QJsonParseError* error);
 
 } // namespace Json
