@@ -176,21 +176,25 @@ void ErrorHandler::DeliverPending()
 {
     PendingReports& pending = *m_pPending;
     for (;;) {
-        // Taking a report and recording it is one step under the quality
-        // mutex, so records keep the order of the queue whoever records.
+        // Taking reports and recording them is one step under the quality
+        // mutex, so records keep the order of the queue whoever records. All
+        // that wait are taken at once: the waiting reporters are woken once for
+        // the whole room rather than once per report, and refill the queue
+        // while these are recorded.
         QualityLock locker(m_pQualityMutex.get());
-        PendingReports::Report report;
+        std::deque<PendingReports::Report> reports;
         {
             std::lock_guard<std::mutex> lock(pending.mutex);
             if (pending.queue.empty())
                 return;
-            report = std::move(pending.queue.front());
-            pending.queue.pop_front();
-            ++pending.taken;
+            reports.swap(pending.queue);
+            pending.taken += reports.size();
         }
-        pending.room.notify_one();
-        sl_protocolMessage(std::move(report.reason), std::move(report.fileName), std::move(report.className),
-                           std::move(report.methodName), report.line, report.level);
+        pending.room.notify_all();
+        for (PendingReports::Report& report : reports)
+            sl_protocolMessage(std::move(report.reason), std::move(report.fileName),
+                               std::move(report.className), std::move(report.methodName), report.line,
+                               report.level);
     }
 }
 

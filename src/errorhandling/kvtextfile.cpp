@@ -62,14 +62,13 @@ QString KvTextFile::ReadLine()
 
 unsigned short KvTextFile::WriteLine(const std::string& text)
 {
-    QTextStream stream(&m_File);
-    // Latin-1 maps every byte to itself, so the bytes reach the file unchanged.
-#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-    stream.setEncoding(QStringConverter::Latin1);
-#else
-    stream.setCodec("ISO-8859-1");
-#endif
-    stream << QString::fromLatin1(text.data(), static_cast<int>(text.size())) << Qt::endl;
+    // The bytes as they are and a line end, flushed: what a text stream taking the
+    // text as Latin-1 (which maps every byte to itself) writes, without building one
+    // and its codec for every line.
+    std::string line;
+    line.reserve(text.size() + 1);
+    line.append(text).push_back('\n');
+    m_File.write(line.data(), static_cast<qint64>(line.size()));
     m_File.flush();
     return static_cast<unsigned short>(text.size() + 2);
 }

@@ -30,6 +30,7 @@ class TestKvException : public QObject
 
 private Q_SLOTS:
     void initTestCase() { KvTest::pinLocaleAndZone(); }
+    void init() { KvTest::pinLocaleAndZone(); }
 
     void texts_data() { KvTest::addRows("errorhandling/texts.txt", "exception format level text"); }
 
@@ -55,6 +56,29 @@ private Q_SLOTS:
         QVERIFY2(copy == e, "a copy differs from its source");
         copy.SetErrorTime(e.GetErrorTime().addSecs(1));
         QVERIFY2(copy != e, "exceptions a second apart compare equal");
+    }
+
+    // An exception's time of day is the local time of its making, also right after the
+    // zone changed: it lies between QTime::currentTime() just before and just after.
+    void timeIsTheLocalTimeOfMaking_data()
+    {
+        QTest::addColumn<QByteArray>("zone");
+        for (const char* zone : {"Europe/Berlin", "Asia/Kolkata", "Australia/Lord_Howe", "America/St_Johns"})
+            QTest::newRow(zone) << QByteArray(zone);
+    }
+    void timeIsTheLocalTimeOfMaking()
+    {
+        QFETCH(QByteArray, zone);
+        KvException(); // made in UTC
+        KvTest::pinLocaleAndZone(zone.constData());
+        for (int i = 0; i < 1000; ++i) {
+            const QTime before = QTime::currentTime();
+            const QTime made = KvException().GetErrorTime();
+            const QTime after = QTime::currentTime();
+            QVERIFY2(after < before || (before <= made && made <= after),
+                     qPrintable(made.toString("hh:mm:ss.zzz") + " not within " +
+                                before.toString("hh:mm:ss.zzz") + " to " + after.toString("hh:mm:ss.zzz")));
+        }
     }
 
     void messageList_data()
