@@ -8,8 +8,8 @@
 #   ./setup.sh docs     build the API reference into build/docs/html
 #   ./setup.sh asan     build with AddressSanitizer + UBSan (clang) and run every test
 #   ./setup.sh tsan     build with ThreadSanitizer (clang) and run the threaded tests
-#   ./setup.sh fuzz [seconds]   build the libFuzzer targets and run each on its
-#                       corpus for that long (default 60)
+#   ./setup.sh fuzz [seconds]   build the libFuzzer targets (in the asan build) and
+#                       run each on its corpus for that long (default 60), one per core
 # KVBASE_QT=5 or 6 limits test and package to one Qt version and picks the one
 # for the other modes; KVBASE_BUILD_DIR names the build directory (default
 # "build"; the Qt 6 build goes to "<dir>-qt6").
@@ -54,21 +54,17 @@ case "$mode" in
         build_base=${KVBASE_BUILD_DIR:-build-package}
         ;;
     docs) packages+=(doxygen) ;;
-    asan)
+    asan | fuzz)
+        # One instrumented build serves both: the whole suite under ASan + UBSan
+        # and the libFuzzer targets (the library carries coverage for them).
         packages+=(clang libclang-rt-14-dev python3-jwt python3-cryptography)
-        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_ADDRESS=ON)
+        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_ADDRESS=ON -DKVBASE_BUILD_FUZZERS=ON)
         build_base=${KVBASE_BUILD_DIR:-build-asan}
         ;;
     tsan)
         packages+=(clang libclang-rt-14-dev)
         cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_SANITIZE_THREAD=ON)
         build_base=${KVBASE_BUILD_DIR:-build-tsan}
-        ;;
-    fuzz)
-        packages+=(clang libclang-rt-14-dev)
-        cmake_args+=(-DCMAKE_CXX_COMPILER=clang++ -DKVBASE_BUILD_FUZZERS=ON -DBUILD_TESTING=OFF
-            -DKVBASE_BUILD_EXAMPLES=OFF -DKVBASE_BUILD_TOOLS=OFF)
-        build_base=${KVBASE_BUILD_DIR:-build-fuzz}
         ;;
     *)
         echo "usage: $0 run|test|bench|package|docs|asan|tsan|fuzz" >&2

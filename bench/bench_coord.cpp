@@ -6,6 +6,7 @@
 // that no branch or cache state is favoured.
 
 #include "coord/merccoordtrans.h"
+#include "coord/positiontext.h"
 #include "coord/swedishgrids.h"
 #include "coord/utm.h"
 
@@ -571,6 +572,67 @@ void projMgrsRead(benchmark::State& state)
     perPoint(state);
 }
 
+// ---- PositionText UTM and MGRS against PROJ plus the same printf/sscanf -------------
+
+void positionTextFormat(benchmark::State& state, PositionText::Notation notation)
+{
+    const std::vector<Position> positions = positionsIn(kUtm.south, kUtm.north, kUtm.west, kUtm.east);
+    std::size_t i = 0;
+    for (auto _ : state) {
+        const Position& p = positions[i++ % kArraySize];
+        benchmark::DoNotOptimize(PositionText::format(p.lat, p.lon, notation));
+    }
+    state.SetLabel("PositionText::format " + PositionText::name(notation).toStdString() + ", UTM 33 area");
+    perPoint(state);
+}
+
+void positionTextParse(benchmark::State& state, PositionText::Notation notation)
+{
+    std::vector<QString> texts;
+    for (const Position& p : positionsIn(kUtm.south, kUtm.north, kUtm.west, kUtm.east))
+        texts.push_back(PositionText::format(p.lat, p.lon, notation));
+    std::size_t i = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(PositionText::parse(texts[i++ % kArraySize], notation));
+    state.SetLabel("PositionText::parse " + PositionText::name(notation).toStdString() +
+                   " (notation given), UTM 33 area");
+    perPoint(state);
+}
+
+// UTM 33 forward and a "33V 333230 6580391" text.
+void projUtmText(benchmark::State& state)
+{
+    const ProjOperation op(kUtm.proj);
+    const std::vector<Position> positions = positionsIn(kUtm.south, kUtm.north, kUtm.west, kUtm.east);
+    std::size_t i = 0;
+    char text[48];
+    for (auto _ : state) {
+        const Position& p = positions[i++ % kArraySize];
+        const PJ_COORD g = op.forward(p);
+        const char band = kLetters[2 + int((p.lat + 80.0) / 8.0)];
+        std::snprintf(text, sizeof text, "%d%c %ld %ld", 33, band, long(g.enu.e + 0.5), long(g.enu.n + 0.5));
+        benchmark::DoNotOptimize(text);
+    }
+    perPoint(state);
+}
+
+void projUtmTextRead(benchmark::State& state)
+{
+    const ProjOperation op(kUtm.proj);
+    std::vector<std::string> texts;
+    for (const Position& p : positionsIn(kUtm.south, kUtm.north, kUtm.west, kUtm.east))
+        texts.push_back(PositionText::format(p.lat, p.lon, PositionText::Notation::UTM).toStdString());
+    std::size_t i = 0;
+    for (auto _ : state) {
+        int zone = 0;
+        char band = 0;
+        double e = 0, n = 0;
+        std::sscanf(texts[i++ % kArraySize].c_str(), "%d%c %lf %lf", &zone, &band, &e, &n);
+        benchmark::DoNotOptimize(proj_trans(op.get(), PJ_INV, proj_coord(e, n, 0, 0)));
+    }
+    perPoint(state);
+}
+
 const GridCase kRt90Text{
     0,
     0,
@@ -667,6 +729,18 @@ int main(int argc, char** argv)
     benchmark::RegisterBenchmark("BM_LL2GR_British/PROJ", projBritish);
     benchmark::RegisterBenchmark("BM_GR2LL_MGRS/KvBase", gr2llMgrs);
     benchmark::RegisterBenchmark("BM_GR2LL_MGRS/PROJ", projMgrsRead);
+    benchmark::RegisterBenchmark("BM_PositionText_UTM_format/KvBase", positionTextFormat,
+                                 PositionText::Notation::UTM);
+    benchmark::RegisterBenchmark("BM_PositionText_UTM_format/PROJ", projUtmText);
+    benchmark::RegisterBenchmark("BM_PositionText_MGRS_format/KvBase", positionTextFormat,
+                                 PositionText::Notation::MGRS);
+    benchmark::RegisterBenchmark("BM_PositionText_MGRS_format/PROJ", projMgrs);
+    benchmark::RegisterBenchmark("BM_PositionText_UTM_parse/KvBase", positionTextParse,
+                                 PositionText::Notation::UTM);
+    benchmark::RegisterBenchmark("BM_PositionText_UTM_parse/PROJ", projUtmTextRead);
+    benchmark::RegisterBenchmark("BM_PositionText_MGRS_parse/KvBase", positionTextParse,
+                                 PositionText::Notation::MGRS);
+    benchmark::RegisterBenchmark("BM_PositionText_MGRS_parse/PROJ", projMgrsRead);
     benchmark::RegisterBenchmark("BM_CoordToRT90String/KvBase", rt90String);
     benchmark::RegisterBenchmark("BM_CoordToRT90String/PROJ", projRt90String);
 
