@@ -7,6 +7,7 @@
 #include <QVector>
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -72,7 +73,7 @@ struct Member
 {
     int keyBegin; // the opening quote
     int keyEnd;   // past the closing quote
-    std::optional<QString> key;
+    bool container;
 };
 
 struct Container
@@ -81,20 +82,51 @@ struct Container
 
     bool object;
     bool expectKey;
+    bool anyContainer = false;
+    bool anyEscape = false;
     std::vector<Member> members;
-    QHash<QString, int> count;
-    // A name that occurs more than once with an array or object as one of its values.
-    bool losesContainer = false;
-    QHash<QString, bool> hasContainer;
 };
 
+// Whether a name of `object` occurs more than once with an array or object as
+// one of its values. The usual object (no escapes in its names) is answered
+// by comparing the names' bytes, without decoding them.
+bool losesContainer(const QByteArray& json, const Container& object)
+{
+    if (!object.anyContainer || object.members.size() < 2)
+        return false;
+    if (object.anyEscape)
+        return true; // rare: droppedMembers decodes the names and finds out
+    const char* text = json.constData();
+    const auto sameName = [text](const Member& a, const Member& b) {
+        const int length = a.keyEnd - a.keyBegin;
+        return length == b.keyEnd - b.keyBegin &&
+               std::memcmp(text + a.keyBegin, text + b.keyBegin, length) == 0;
+    };
+    for (std::size_t i = 0; i < object.members.size(); ++i) {
+        if (!object.members[i].container)
+            continue;
+        for (std::size_t j = 0; j < object.members.size(); ++j) {
+            if (j != i && sameName(object.members[i], object.members[j]))
+                return true;
+        }
+    }
+    return false;
+}
+
 // The members of `object` that the parser drops: for each repeated name all
-// but the one that it keeps, as found by parsing the names alone.
+// but the one that it keeps, as found by parsing the names alone. All of them
+// are renamed, so that the parser sees no repeated name at all: which of
+// several it keeps depends on the other names too.
 void droppedMembers(const QByteArray& json, const Container& object, std::vector<int>& dropped)
 {
+    std::vector<std::optional<QString>> keys;
+    QHash<QString, int> count;
     QByteArray names = "{";
     for (std::size_t i = 0; i < object.members.size(); ++i) {
         const Member& m = object.members[i];
+        keys.push_back(decodedKey(json.mid(m.keyBegin, m.keyEnd - m.keyBegin)));
+        if (keys.back())
+            ++count[*keys.back()];
         if (i > 0)
             names += ',';
         names += json.mid(m.keyBegin, m.keyEnd - m.keyBegin) + ':' + QByteArray::number(qulonglong(i));
@@ -105,9 +137,9 @@ void droppedMembers(const QByteArray& json, const Container& object, std::vector
     if (error.error != QJsonParseError::NoError)
         return; // a name the parser refuses: it refuses the whole text anyway
     for (std::size_t i = 0; i < object.members.size(); ++i) {
-        const Member& m = object.members[i];
-        if (m.key && object.count.value(*m.key) > 1 && kept.value(*m.key).toInt(-1) != int(i))
-            dropped.push_back(m.keyBegin + 1);
+        const std::optional<QString>& key = keys[i];
+        if (key && count.value(*key) > 1 && kept.value(*key).toInt(-1) != int(i))
+            dropped.push_back(object.members[i].keyBegin + 1);
     }
 }
 
@@ -120,7 +152,7 @@ std::vector<int> shadowedKeys(const QByteArray& json)
     std::vector<Container> open;
     std::vector<int> dropped;
     const auto close = [&] {
-        if (open.back().object && open.back().losesContainer)
+        if (open.back().object && losesContainer(json, open.back()))
             droppedMembers(json, open.back(), dropped);
         open.pop_back();
     };
@@ -133,15 +165,11 @@ std::vector<int> shadowedKeys(const QByteArray& json)
             if (!open.empty() && open.back().object && open.back().expectKey) {
                 Container& object = open.back();
                 object.expectKey = false;
-                Member member{i, end, decodedKey(json.mid(i, end - i))};
-                if (member.key) {
-                    const bool container = holdsContainer(json, end);
-                    const int seen = object.count[*member.key]++;
-                    bool& withContainer = object.hasContainer[*member.key];
-                    withContainer = withContainer || container;
-                    object.losesContainer = object.losesContainer || (seen > 0 && withContainer);
-                }
-                object.members.push_back(std::move(member));
+                const bool container = holdsContainer(json, end);
+                object.anyContainer = object.anyContainer || container;
+                object.anyEscape =
+                    object.anyEscape || std::memchr(json.constData() + i + 1, '\\', end - i - 2) != nullptr;
+                object.members.push_back({i, end, container});
             }
             i = end - 1;
             break;
