@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <cstring>
 #include <optional>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace jsonWebToken {
@@ -97,18 +99,30 @@ bool losesContainer(const QByteArray& json, const Container& object)
     if (object.anyEscape)
         return true; // rare: droppedMembers decodes the names and finds out
     const char* text = json.constData();
-    const auto sameName = [text](const Member& a, const Member& b) {
-        const int length = a.keyEnd - a.keyBegin;
-        return length == b.keyEnd - b.keyBegin &&
-               std::memcmp(text + a.keyBegin, text + b.keyBegin, length) == 0;
+    const auto name = [text](const Member& m) {
+        return std::string_view(text + m.keyBegin, std::size_t(m.keyEnd - m.keyBegin));
     };
-    for (std::size_t i = 0; i < object.members.size(); ++i) {
-        if (!object.members[i].container)
-            continue;
-        for (std::size_t j = 0; j < object.members.size(); ++j) {
-            if (j != i && sameName(object.members[i], object.members[j]))
-                return true;
+    const std::vector<Member>& members = object.members;
+    if (members.size() <= 16) { // the usual header or payload: no allocation
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            for (std::size_t j = 0; members[i].container && j < members.size(); ++j) {
+                if (j != i && name(members[i]) == name(members[j]))
+                    return true;
+            }
         }
+        return false;
+    }
+    // Names with an array or object, then whether another member has one of them.
+    std::unordered_set<std::string_view> withContainer;
+    for (const Member& m : object.members) {
+        if (m.container)
+            withContainer.insert(name(m));
+    }
+    std::unordered_set<std::string_view> seen;
+    for (const Member& m : object.members) {
+        const std::string_view n = name(m);
+        if (!seen.insert(n).second && withContainer.count(n))
+            return true;
     }
     return false;
 }
@@ -147,10 +161,17 @@ void droppedMembers(const QByteArray& json, const Container& object, std::vector
 // would drop, in objects where that would lose an array or object; none where
 // nothing would be lost. Text that is no JSON gives positions that do not
 // matter, because the parser refuses it whatever its keys are.
-std::vector<int> shadowedKeys(const QByteArray& json)
+struct Scan
+{
+    std::vector<int> dropped;
+    std::vector<std::pair<int, int>> keys; // every key's quotes: begin, past the end
+};
+
+Scan shadowedKeys(const QByteArray& json)
 {
     std::vector<Container> open;
-    std::vector<int> dropped;
+    Scan scan;
+    std::vector<int>& dropped = scan.dropped;
     const auto close = [&] {
         if (open.back().object && losesContainer(json, open.back()))
             droppedMembers(json, open.back(), dropped);
@@ -161,7 +182,7 @@ std::vector<int> shadowedKeys(const QByteArray& json)
         case '"': {
             const int end = stringEnd(json, i);
             if (end < 0)
-                return dropped;
+                return scan;
             if (!open.empty() && open.back().object && open.back().expectKey) {
                 Container& object = open.back();
                 object.expectKey = false;
@@ -170,6 +191,7 @@ std::vector<int> shadowedKeys(const QByteArray& json)
                 object.anyEscape =
                     object.anyEscape || std::memchr(json.constData() + i + 1, '\\', end - i - 2) != nullptr;
                 object.members.push_back({i, end, container});
+                scan.keys.emplace_back(i, end);
             }
             i = end - 1;
             break;
@@ -193,31 +215,114 @@ std::vector<int> shadowedKeys(const QByteArray& json)
             break;
         }
     }
-    return dropped;
+    return scan;
+}
+
+int hexDigit(char c)
+{
+    if (c >= '0' && c <= '9')
+        return c - '0';
+    if (c >= 'a' && c <= 'f')
+        return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F')
+        return c - 'A' + 10;
+    return -1;
+}
+
+// The characters a mark is made of: control characters without a short escape
+// ("\\b", "\\t", ...), then the private use area.
+const std::vector<ushort>& candidates()
+{
+    static const std::vector<ushort> list = [] {
+        std::vector<ushort> codes;
+        for (ushort code = 1; code < 0x20; ++code) {
+            if (code != 8 && code != 9 && code != 10 && code != 12 && code != 13)
+                codes.push_back(code);
+        }
+        for (ushort code = 0xE000; code < 0xF900; ++code)
+            codes.push_back(code);
+        return codes;
+    }();
+    return list;
 }
 
 // A character no key of the text can contain, written as the escape that
-// gives it; none when the text holds every candidate.
+// gives it; none when the text holds every candidate. One pass marks every
+// candidate the text might hold (as a raw byte, a "\u" escape or UTF-8), so
+// a text full of candidates costs no more than any other.
 std::optional<QChar> absentCharacter(const QByteArray& json)
 {
-    const QByteArray lower = json.toLower();
-    const auto absent = [&](ushort code) {
-        const QByteArray escape = "\\u" + QByteArray::number(code, 16).rightJustified(4, '0');
-        return !lower.contains(escape) && !json.contains(QString(QChar(code)).toUtf8());
-    };
+    std::vector<bool> present(0x10000);
+    const int size = json.size();
+    const auto byte = [&json](int i) { return static_cast<unsigned char>(json.at(i)); };
+    for (int i = 0; i < size; ++i) {
+        const unsigned char c = byte(i);
+        if (c < 0x20) {
+            present[c] = true;
+        } else if (c == '\\' && i + 5 < size && (json.at(i + 1) == 'u' || json.at(i + 1) == 'U')) {
+            int code = 0;
+            int k = 2;
+            for (; k < 6 && hexDigit(json.at(i + k)) >= 0; ++k)
+                code = code * 16 + hexDigit(json.at(i + k));
+            if (k == 6)
+                present[std::size_t(code)] = true;
+        } else if ((c & 0xF0) == 0xE0 && i + 2 < size) {
+            present[std::size_t((c & 0x0F) << 12 | (byte(i + 1) & 0x3F) << 6 | (byte(i + 2) & 0x3F))] = true;
+        }
+    }
     // Control characters without a short escape ("\b", "\t", ...), then the private use area.
     for (ushort code = 1; code < 0x20; ++code) {
-        if (code != 8 && code != 9 && code != 10 && code != 12 && code != 13 && absent(code))
+        if (code != 8 && code != 9 && code != 10 && code != 12 && code != 13 && !present[code])
             return QChar(code);
     }
     for (ushort code = 0xE000; code < 0xF900; ++code) {
-        if (absent(code))
+        if (!present[code])
             return QChar(code);
     }
     return std::nullopt;
 }
 
-QJsonValue withoutRenamed(const QJsonValue& value, QChar mark)
+// A prefix that no key of the text begins with, for the renamed keys: one
+// character absent from the whole text where there is one; else, for a text
+// that holds every candidate, built from the keys themselves, one character
+// at a time, each not the next one of any key that begins with the prefix so far.
+QString markFor(const QByteArray& json, const std::vector<std::pair<int, int>>& keyQuotes)
+{
+    if (const std::optional<QChar> absent = absentCharacter(json))
+        return QString(*absent);
+    std::vector<QString> keys;
+    for (const auto& [begin, end] : keyQuotes) {
+        if (std::optional<QString> key = decodedKey(json.mid(begin, end - begin)))
+            keys.push_back(std::move(*key));
+    }
+    QString mark;
+    for (;;) {
+        std::vector<bool> used(0x10000);
+        for (const QString& key : keys) {
+            if (key.size() > mark.size())
+                used[key.at(mark.size()).unicode()] = true;
+        }
+        for (const ushort code : candidates()) {
+            if (!used[code])
+                return mark + QChar(code);
+        }
+        mark += QChar(candidates().front());
+        keys.erase(std::remove_if(keys.begin(), keys.end(),
+                                  [&mark](const QString& key) { return !key.startsWith(mark); }),
+                   keys.end());
+    }
+}
+
+// The escapes that give `mark` in a JSON string.
+QByteArray escaped(const QString& mark)
+{
+    QByteArray escape;
+    for (const QChar c : mark)
+        escape += "\\u" + QByteArray::number(c.unicode(), 16).rightJustified(4, '0');
+    return escape;
+}
+
+QJsonValue withoutRenamed(const QJsonValue& value, const QString& mark)
 {
     if (value.isObject()) {
         const QJsonObject object = value.toObject();
@@ -241,12 +346,12 @@ QJsonValue withoutRenamed(const QJsonValue& value, QChar mark)
 
 QJsonDocument parse(const QByteArray& json, QJsonParseError* error)
 {
-    std::vector<int> shadowed = shadowedKeys(json);
-    const std::optional<QChar> mark = shadowed.empty() ? std::nullopt : absentCharacter(json);
-    if (!mark)
+    Scan scan = shadowedKeys(json);
+    if (scan.dropped.empty())
         return QJsonDocument::fromJson(json, error);
-
-    const QByteArray escape = "\\u" + QByteArray::number(mark->unicode(), 16).rightJustified(4, '0');
+    std::vector<int>& shadowed = scan.dropped;
+    const QString mark = markFor(json, scan.keys);
+    const QByteArray escape = escaped(mark);
     std::sort(shadowed.begin(), shadowed.end());
     QByteArray renamed;
     renamed.reserve(json.size() + int(shadowed.size()) * (escape.size() + 8));
@@ -273,9 +378,9 @@ QJsonDocument parse(const QByteArray& json, QJsonParseError* error)
         error->offset -= shift;
     }
     if (document.isObject())
-        return QJsonDocument(withoutRenamed(document.object(), *mark).toObject());
+        return QJsonDocument(withoutRenamed(document.object(), mark).toObject());
     if (document.isArray())
-        return QJsonDocument(withoutRenamed(document.array(), *mark).toArray());
+        return QJsonDocument(withoutRenamed(document.array(), mark).toArray());
     return document;
 }
 
