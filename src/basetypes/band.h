@@ -102,6 +102,10 @@ public:
     /// in any order; unknown ones are skipped, absent ones leave the field as it is).
     /// A child that is not an element ends the reading and is traced as
     /// "error loading job."; unreadable numbers read as 0 (a step width of 0 as 10 kHz).
+    /// Qt's own parser (QDomDocument::setContent) recurses once per level of
+    /// nesting: a document from elsewhere can overflow the stack at some ten
+    /// thousand levels before it gets here. Check its depth first, for example with
+    /// a QXmlStreamReader counting StartElement against EndElement tokens.
     /// \param doc     the job document (not used)
     /// \param element the band's element; a null element leaves the band as it is
     void Read(QDomDocument& doc, QDomElement& element);
