@@ -157,16 +157,17 @@ void droppedMembers(const QByteArray& json, const Container& object, std::vector
     }
 }
 
-// Positions just inside the opening quote of every key whose member the parser
-// would drop, in objects where that would lose an array or object; none where
-// nothing would be lost. Text that is no JSON gives positions that do not
-// matter, because the parser refuses it whatever its keys are.
 struct Scan
 {
     std::vector<int> dropped;
     std::vector<std::pair<int, int>> keys; // every key's quotes: begin, past the end
 };
 
+// In `dropped`, the positions just inside the opening quote of every key whose
+// member the parser would drop, in objects where that would lose an array or
+// object; none where nothing would be lost. Text that is no JSON gives
+// positions that do not matter, because the parser refuses it whatever its
+// keys are. In `keys`, every key of the text.
 Scan shadowedKeys(const QByteArray& json)
 {
     std::vector<Container> open;
@@ -270,12 +271,7 @@ std::optional<QChar> absentCharacter(const QByteArray& json)
             present[std::size_t((c & 0x0F) << 12 | (byte(i + 1) & 0x3F) << 6 | (byte(i + 2) & 0x3F))] = true;
         }
     }
-    // Control characters without a short escape ("\b", "\t", ...), then the private use area.
-    for (ushort code = 1; code < 0x20; ++code) {
-        if (code != 8 && code != 9 && code != 10 && code != 12 && code != 13 && !present[code])
-            return QChar(code);
-    }
-    for (ushort code = 0xE000; code < 0xF900; ++code) {
+    for (const ushort code : candidates()) {
         if (!present[code])
             return QChar(code);
     }
