@@ -83,22 +83,34 @@ void writeString(std::string& out, const QString& text)
 
 namespace {
 
+void writeInteger(std::string& out, qint64 value)
+{
+    char digits[24];
+    char* p = digits + sizeof digits;
+    quint64 whole = value < 0 ? 0 - quint64(value) : quint64(value);
+    do {
+        *--p = char('0' + whole % 10);
+        whole /= 10;
+    } while (whole);
+    if (value < 0)
+        *--p = '-';
+    out.append(p, size_t(digits + sizeof digits - p));
+}
+
 void writeNumber(std::string& out, const QJsonValue& value)
 {
     // Whole numbers within a double's exact range, NumericDates among them, as
-    // integers; anything else as Qt writes it, 64-bit integers of Qt 6 exactly.
+    // integers; 64-bit integers read from JSON exactly (Qt 5 holds them so but
+    // writes them through a double, so a signed payload would not read back as
+    // it was); anything else as Qt writes it.
     const double number = value.toDouble();
     if (number == std::floor(number) && std::fabs(number) < 9007199254740992.0) {
-        char digits[24];
-        char* p = digits + sizeof digits;
-        auto whole = static_cast<qint64>(std::fabs(number));
-        do {
-            *--p = char('0' + whole % 10);
-            whole /= 10;
-        } while (whole);
-        if (number < 0)
-            *--p = '-';
-        out.append(p, size_t(digits + sizeof digits - p));
+        writeInteger(out, static_cast<qint64>(number));
+        return;
+    }
+    const QVariant exact = value.toVariant();
+    if (exact.userType() == QMetaType::LongLong) {
+        writeInteger(out, exact.toLongLong());
         return;
     }
     const QByteArray json = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
@@ -176,20 +188,6 @@ namespace {
 // Integers below this magnitude are written alike by Qt 5, which holds JSON
 // numbers as doubles, and Qt 6, which keeps 64-bit integers.
 constexpr qint64 exactIntegers = qint64(1) << 53;
-
-void writeInteger(std::string& out, qint64 value)
-{
-    char digits[24];
-    char* p = digits + sizeof digits;
-    quint64 whole = value < 0 ? 0 - quint64(value) : quint64(value);
-    do {
-        *--p = char('0' + whole % 10);
-        whole /= 10;
-    } while (whole);
-    if (value < 0)
-        *--p = '-';
-    out.append(p, size_t(digits + sizeof digits - p));
-}
 
 bool isAscii(const QString& text)
 {

@@ -58,7 +58,8 @@ KVBASE_EXPORT std::optional<JwsAlgorithm> jwsAlgorithmFromName(const QString& na
 ///
 /// With JwsAlgorithm::None the key is not used and the token ends in ".".
 ///
-/// \param payload the claims.
+/// \param payload the claims; integers beyond 2^53 that it holds exactly (read from
+///        JSON) are written exactly, with Qt 5 as with Qt 6.
 /// \param algorithm the signature algorithm.
 /// \param key a key that can sign with `algorithm` (see Key): an HMAC secret at
 ///        least as long as the hash output, or a private key of the right type.

@@ -283,6 +283,19 @@ void TestJws::signing()
             .at(1);
     QCOMPARE(QByteArray::fromBase64(payload, QByteArray::Base64UrlEncoding),
              QJsonDocument(awkward).toJson(QJsonDocument::Compact));
+    // Integers read from JSON beyond a double's exact range are signed as they were
+    // read, and read back equal.
+    const QJsonObject large =
+        QJsonDocument::fromJson("{\"exp\":170000010299999903,\"ids\":[-9007199254740993,3]}").object();
+    const QByteArray largeToken =
+        sign(large, JwsAlgorithm::HS256, key(QLatin1String("hs256"), QLatin1String("secret")));
+    QCOMPARE(QByteArray::fromBase64(largeToken.split('.').at(1), QByteArray::Base64UrlEncoding),
+             QByteArray("{\"exp\":170000010299999903,\"ids\":[-9007199254740993,3]}"));
+    QCOMPARE(Verifier()
+                 .allow(JwsAlgorithm::HS256, key(QLatin1String("hs256"), QLatin1String("secret")))
+                 .verify(largeToken)
+                 .payload,
+             large);
     // A "typ" of the caller's replaces "JWT".
     const Key hs256 = key(QLatin1String("hs256"), QLatin1String("secret"));
     const QByteArray accessToken =
