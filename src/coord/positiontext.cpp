@@ -191,7 +191,12 @@ QString formatUtm(double lat, double lon, int precision)
 
 QString formatMgrs(double lat, double lon, int digits)
 {
-    const Geodesy::UtmPoint p = utmFromGeographic(lat, lon);
+    Geodesy::UtmPoint p = utmFromGeographic(lat, lon);
+    // A southern band's squares end below the equator's northing, which a position
+    // a hair south of it can round to: it is written in the band's last metre, as
+    // GeoConvert writes it, so that the reference reads back.
+    if (p.zone > 0 && p.band < 'N' && p.grid.northing >= Geodesy::kUtmFalseNorthingSouth)
+        p.grid.northing = std::nextafter(Geodesy::kUtmFalseNorthingSouth, 0.0);
     char column, row;
     mgrsSquare(p, column, row);
     TextBuffer out;
