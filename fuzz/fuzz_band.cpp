@@ -14,18 +14,20 @@ namespace {
 // Qt's DOM parser recurses once per level of nesting and overflows the stack
 // on some ten thousand levels; an application bounds the depth of a document
 // it did not write before parsing it, as band.h says, and so does this target.
+// The check must read the whole document: the DOM parser goes on past badly
+// encoded bytes and expands a DTD's entities, where the stream reader stops.
 bool shallow(const QByteArray& xml)
 {
     QXmlStreamReader reader(xml);
     int depth = 0;
     while (!reader.atEnd()) {
         const QXmlStreamReader::TokenType token = reader.readNext();
-        if (token == QXmlStreamReader::StartElement && ++depth > 256)
+        if (token == QXmlStreamReader::DTD || (token == QXmlStreamReader::StartElement && ++depth > 256))
             return false;
         if (token == QXmlStreamReader::EndElement)
             --depth;
     }
-    return true;
+    return !reader.hasError();
 }
 
 } // namespace

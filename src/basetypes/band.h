@@ -104,8 +104,10 @@ public:
     /// "error loading job."; unreadable numbers read as 0 (a step width of 0 as 10 kHz).
     /// Qt's own parser (QDomDocument::setContent) recurses once per level of
     /// nesting: a document from elsewhere can overflow the stack at some ten
-    /// thousand levels before it gets here. Check its depth first, for example with
-    /// a QXmlStreamReader counting StartElement against EndElement tokens.
+    /// thousand levels before it gets here. Check it first, for example with a
+    /// QXmlStreamReader that reads it to the end without an error or a DTD and counts
+    /// StartElement against EndElement tokens (the DOM parser goes on past badly
+    /// encoded bytes and expands a DTD's entities).
     /// \param doc     the job document (not used)
     /// \param element the band's element; a null element leaves the band as it is
     void Read(QDomDocument& doc, QDomElement& element);
