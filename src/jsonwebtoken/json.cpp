@@ -167,8 +167,8 @@ struct Scan
 // member the parser would drop, in objects where that would lose an array or
 // object; none where nothing would be lost. Text that is no JSON gives
 // positions that do not matter, because the parser refuses it whatever its
-// keys are. In `keys`, every key of the text.
-Scan shadowedKeys(const QByteArray& json)
+// keys are. In `keys`, with `withKeys`, every key of the text.
+Scan shadowedKeys(const QByteArray& json, bool withKeys = false)
 {
     std::vector<Container> open;
     Scan scan;
@@ -192,7 +192,8 @@ Scan shadowedKeys(const QByteArray& json)
                 object.anyEscape =
                     object.anyEscape || std::memchr(json.constData() + i + 1, '\\', end - i - 2) != nullptr;
                 object.members.push_back({i, end, container});
-                scan.keys.emplace_back(i, end);
+                if (withKeys)
+                    scan.keys.emplace_back(i, end);
             }
             i = end - 1;
             break;
@@ -282,12 +283,12 @@ std::optional<QChar> absentCharacter(const QByteArray& json)
 // character absent from the whole text where there is one; else, for a text
 // that holds every candidate, built from the keys themselves, one character
 // at a time, each not the next one of any key that begins with the prefix so far.
-QString markFor(const QByteArray& json, const std::vector<std::pair<int, int>>& keyQuotes)
+QString markFor(const QByteArray& json)
 {
     if (const std::optional<QChar> absent = absentCharacter(json))
         return QString(*absent);
     std::vector<QString> keys;
-    for (const auto& [begin, end] : keyQuotes) {
+    for (const auto& [begin, end] : shadowedKeys(json, true).keys) {
         if (std::optional<QString> key = decodedKey(json.mid(begin, end - begin)))
             keys.push_back(std::move(*key));
     }
@@ -346,7 +347,7 @@ QJsonDocument parse(const QByteArray& json, QJsonParseError* error)
     if (scan.dropped.empty())
         return QJsonDocument::fromJson(json, error);
     std::vector<int>& shadowed = scan.dropped;
-    const QString mark = markFor(json, scan.keys);
+    const QString mark = markFor(json);
     const QByteArray escape = escaped(mark);
     std::sort(shadowed.begin(), shadowed.end());
     QByteArray renamed;
